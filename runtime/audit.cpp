@@ -106,6 +106,12 @@ void audit_graves() noexcept {
     for (size_t age = 0; age < count; ++age) inspect(grave(age));
 }
 
+size_t live_objects(const ObjectClass &type) noexcept {
+    return static_cast<size_t>(std::count_if(living().begin(), living().end(), [&](const Living::value_type &entry) {
+        return entry.second == Tracked::object && static_cast<const KZBObjectRecord *>(entry.first)->type == &type;
+    }));
+}
+
 void audit_references(ptrdiff_t change) noexcept {
     references += change;
 }

@@ -11,6 +11,8 @@
 
 namespace kzb {
 
+struct ObjectClass;
+
 enum class Tracked : uint8_t { object, string };
 
 // Notes a new record; false when out of memory.
@@ -24,6 +26,9 @@ void audit_bury(void *record, size_t size, const char *class_name) noexcept;
 
 // Reports records that were written to after their release.
 void audit_graves() noexcept;
+
+// How many objects of a class are alive.
+size_t live_objects(const ObjectClass &type) noexcept;
 
 // Keeps count of the references in all.
 void audit_references(ptrdiff_t change) noexcept;

@@ -2,6 +2,7 @@
 
 #include "audit.h"
 #include "entries.h"
+#include "exception.h"
 #include "extras.h"
 #include <cstdlib>
 #include <cstring>
@@ -18,7 +19,10 @@ size_t allocation_size(const ObjectClass &type) noexcept {
 void destroy(KZBObject object) noexcept {
     const ObjectClass &type = *object->type;
     object->dying = true;
-    if (type.definition && type.definition->destructor) type.definition->destructor(object);
+    if (type.definition && type.definition->destructor) {
+        CallFrame frame;
+        type.definition->destructor(object);
+    }
     if (type.finalize) type.finalize(object);
     if (object->extras) {
         drop_assigned_references(object, *object->extras);
