@@ -72,6 +72,11 @@ bool audit_add(const void *record, Tracked kind) noexcept {
     }
 }
 
+bool audit_is_alive(const void *record, Tracked kind) noexcept {
+    auto found = living().find(record);
+    return found != living().end() && found->second == kind;
+}
+
 bool audit_check(const void *record, Tracked kind, const char *caller) noexcept {
     auto found = living().find(record);
     if (found != living().end() && found->second == kind) return true;

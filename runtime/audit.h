@@ -18,7 +18,10 @@ enum class Tracked : uint8_t { object, string };
 // Notes a new record; false when out of memory.
 bool audit_add(const void *record, Tracked kind) noexcept;
 
-// Whether the record is alive; if not, reports that `caller` uses it.
+// Whether the record is alive.
+bool audit_is_alive(const void *record, Tracked kind) noexcept;
+
+// The same; if it is not, reports that `caller` uses it.
 bool audit_check(const void *record, Tracked kind, const char *caller) noexcept;
 
 // Takes over a record of `size` bytes, got from malloc or aligned_alloc, which is gone from now on.

@@ -106,9 +106,9 @@ Slot FunctionCall::call(KZBFunction function, kzb_type result) noexcept {
     return narrowed(returned, result);
 }
 
-bool call_module(FunctionCall &call, KZBFunction function, kzb_type result_type, kzb_value *result, const char *caller,
-                 kzb_error *error) noexcept {
-    CallFrame frame;
+bool call_module(const kzb_module *module, FunctionCall &call, KZBFunction function, kzb_type result_type,
+                 kzb_value *result, const char *caller, kzb_error *error) noexcept {
+    CallFrame frame(module);
     kzb_value value = decode(call.call(function, result_type), result_type);
     if (!is_sound(value, caller)) value = {};
     if (frame.raised()) {

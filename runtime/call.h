@@ -30,10 +30,11 @@ private:
     unsigned count = 0;
 };
 
-// Calls a module's function within a frame of its own. What it raises becomes the error; what it returns goes to
-// `result` (nil: released) when nothing was raised. `caller` is named when it returns something that is gone.
-bool call_module(FunctionCall &call, KZBFunction function, kzb_type result_type, kzb_value *result, const char *caller,
-                 kzb_error *error) noexcept;
+// Calls a function of a module (nil: of a host class) within a frame of its own. What it raises becomes the error; what
+// it returns goes to `result` (nil: released) when nothing was raised. `caller` is named when it returns something that
+// is gone.
+bool call_module(const kzb_module *module, FunctionCall &call, KZBFunction function, kzb_type result_type,
+                 kzb_value *result, const char *caller, kzb_error *error) noexcept;
 
 } // namespace kzb
 

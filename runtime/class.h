@@ -61,6 +61,10 @@ inline const ModuleClass *module_class(const ObjectClass &type) noexcept {
     return type.definition ? static_cast<const ModuleClass *>(&type) : nullptr;
 }
 
+inline const kzb_module *module_of(const ObjectClass &type) noexcept {
+    return type.definition ? module_class(type)->module : nullptr;
+}
+
 // What a type that a class (nil: the host) declares stands for.
 Wanted wanted(kzb_type type, const char *type_name, const ModuleClass *by) noexcept;
 

@@ -60,7 +60,7 @@ const Contribution contribution(list, classes);
 
 } // namespace
 
-CallFrame::CallFrame() noexcept : outer(innermost_frame) {
+CallFrame::CallFrame(const kzb_module *running) noexcept : module(running), outer(innermost_frame) {
     innermost_frame = this;
 }
 

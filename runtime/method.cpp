@@ -3,6 +3,7 @@
 #include "call.h"
 #include "entries.h"
 #include "error.h"
+#include "exception.h"
 #include "names.h"
 #include "overload.h"
 #include <array>
@@ -57,7 +58,8 @@ bool perform(KZBObject object, const Lookup &lookup, std::span<const kzb_value> 
         held[i + 1].emplace(choice.values[i]);
         call.add(choice.values[i], d.parameters[i].type);
     }
-    if (!assigned) return call_module(call, choice.method->function, d.result, result, d.name, error);
+    if (!assigned)
+        return call_module(module_of(lookup.type), call, choice.method->function, d.result, result, d.name, error);
 
     Wanted expected = wanted(d.result, d.result_name, module_class(lookup.type));
     if (fit(*assigned, expected, d.name) == no_fit)
@@ -66,7 +68,7 @@ bool perform(KZBObject object, const Lookup &lookup, std::span<const kzb_value> 
                     describe(*assigned, expected).c_str());
     held[d.parameter_count + 1].emplace(*assigned);
     call.add(*assigned, d.result);
-    return call_module(call, choice.method->setter, KZB_TYPE_NONE, nullptr, d.name, error);
+    return call_module(module_of(lookup.type), call, choice.method->setter, KZB_TYPE_NONE, nullptr, d.name, error);
 }
 
 bool construct(KZBObject object, std::span<const kzb_value> arguments, kzb_error *error) {
@@ -81,7 +83,9 @@ bool may_be_made(const ObjectClass &type) noexcept {
 }
 
 KZBObject PluginNewInstance(const char *class_name) {
-    const ObjectClass *type = find_class(class_name, nullptr);
+    // A module's own class comes first, whatever other modules have registered since.
+    CallFrame *frame = CallFrame::innermost();
+    const ObjectClass *type = find_class(class_name, frame ? frame->module : nullptr);
     return type && may_be_made(*type) ? object_new(*type) : nullptr;
 }
 

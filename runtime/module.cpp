@@ -107,7 +107,7 @@ bool start(kzb_module &module, kzb_error *error) {
         return fail(error, KZB_ERROR_MODULE,
                     "%s: the library has no REALPluginMain, so it is no module; give the path of one", path);
     {
-        CallFrame frame;
+        CallFrame frame(&module);
         kzb_module *outer = std::exchange(starting, &module);
         reinterpret_cast<REALPluginMainFunction *>(symbol)(chosen_resolver ? chosen_resolver : resolve);
         starting = outer;

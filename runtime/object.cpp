@@ -1,6 +1,7 @@
 #include "object.h"
 
 #include "audit.h"
+#include "class.h"
 #include "entries.h"
 #include "exception.h"
 #include "extras.h"
@@ -19,9 +20,10 @@ size_t allocation_size(const ObjectClass &type) noexcept {
 void destroy(KZBObject object) noexcept {
     const ObjectClass &type = *object->type;
     object->dying = true;
-    if (type.definition && type.definition->destructor) {
-        CallFrame frame;
-        type.definition->destructor(object);
+    const ModuleClass *of_module = module_class(type);
+    if (of_module && of_module->definition->destructor) {
+        CallFrame frame(of_module->module);
+        of_module->definition->destructor(object);
     }
     if (type.finalize) type.finalize(object);
     if (object->extras) {

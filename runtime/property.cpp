@@ -95,7 +95,7 @@ bool get_from_module(KZBObject object, const Property &property, kzb_value *resu
         FunctionCall call;
         call.add(object);
         call.add_word(p.parameter);
-        return call_module(call, p.getter, property.type, result, p.name, error);
+        return call_module(module_of(*object->type), call, p.getter, property.type, result, p.name, error);
     }
     kzb_value value = read_directly(object, property);
     if (result)
@@ -149,7 +149,7 @@ bool set_in_module(KZBObject object, const Property &property, const kzb_value &
     call.add(object);
     call.add_word(p.parameter);
     call.add(value, property.type);
-    return call_module(call, p.setter, KZB_TYPE_NONE, nullptr, p.name, error);
+    return call_module(module_of(*object->type), call, p.setter, KZB_TYPE_NONE, nullptr, p.name, error);
 }
 
 bool set_in_host(KZBObject object, const char *name, const kzb_value &value, kzb_error *error) {

@@ -127,6 +127,7 @@ std::string describe(const kzb_value &value, const Wanted &wanted) {
         return "a string";
     case KZB_OBJECT: {
         if (!value.object) return "nil";
+        if (!audit_is_alive(value.object, Tracked::object)) return "an object that has been released";
         std::string name = with_article(kzb_class_name(value.object));
         bool namesake = wanted.type == KZB_TYPE_OBJECT && same_name(wanted.type_name, kzb_class_name(value.object));
         return namesake ? name + " of another module" : name;
