@@ -1,0 +1,102 @@
+#include "image/lifecycle.h"
+
+#include "host/reference.h"
+#include "platform/buffer.h"
+#include "image/format.h"
+#include "image/mapped_store.h"
+
+namespace kzb {
+
+namespace {
+
+constexpr int64_t row_alignment = 64;
+
+// Drops the reference that a record's field holds.
+template <class T> void drop(T &field) { Reference<T>::adopt(std::exchange(field, nullptr)); }
+
+} // namespace
+
+uint8_t *memory_row(ImageRecord &image, int32_t row) {
+    return image.pixel_buffer + (static_cast<int64_t>(image.RowOffset) + row) * image.RowSize;
+}
+
+void begin_construction(ImageRecord &image) {
+    if (image.storage_id != 0) close_record(image);
+    image.Valid = 0;
+    image.IsMapping = 0;
+    image.delete_backing_file = 0;
+    image.MappingBlockSize = 0;
+    image.rows_per_block = 0;
+    image.RowOffset = 0;
+    image.TotalSize = 0;
+}
+
+void construct_in_memory(ImageObject object, int32_t width, int32_t height, int32_t image_format) {
+    ImageRecord &image = *record_of(object);
+    begin_construction(image);
+    if (!fill_format_descriptor(&image, width, height, image_format)) return;
+    if (width < 0 || height < 0) return;
+    const int64_t row_size =
+        (static_cast<int64_t>(width) * image.PixelSize + row_alignment - 1) / row_alignment * row_alignment;
+    if (row_size > INT32_MAX || row_size * height > INT32_MAX) return;
+    Buffer<uint8_t> pixels(row_size * height);
+    if (!pixels) return;
+    image.pixel_buffer = pixels.release();
+    image.owns_buffer = 1;
+    image.TotalSize = row_size * height;
+    image.RowSize = static_cast<int32_t>(row_size);
+    image.row_accessor = memory_row;
+    image.rows_per_block = height;
+    image.storage_id = next_storage_id();
+    image.Valid = 1;
+}
+
+void construct_over_block(ImageObject object, MemoryBlock block, int32_t width, int32_t height, int32_t image_format,
+                          int32_t row_size) {
+    ImageRecord &image = *record_of(object);
+    // The block may be the very one that the image holds.
+    auto held = Reference<MemoryBlock>::share(block);
+    begin_construction(image);
+    if (!held) return;
+    if (!fill_format_descriptor(&image, width, height, image_format)) return;
+    if (width < 0 || height < 0 || row_size < 0) return;
+    const int64_t size = static_cast<int64_t>(row_size) * height;
+    if (size >= int64_t{1} << 32 || static_cast<int64_t>(width) * image.PixelSize > INT32_MAX) return;
+    void *bytes = memoryBlockGetPtr(block);
+    if (bytes == nullptr) return;
+    image.MemoryTarget = held.release();
+    image.pixel_buffer = static_cast<uint8_t *>(bytes);
+    image.owns_buffer = 0;
+    image.rows_per_block = height;
+    image.TotalSize = size;
+    image.RowSize = row_size;
+    image.row_accessor = memory_row;
+    image.storage_id = next_storage_id();
+    image.Valid = 1;
+}
+
+void close_record(ImageRecord &image) {
+    image.storage_id = 0;
+    if (image.owns_buffer && image.pixel_buffer != nullptr) std::free(std::exchange(image.pixel_buffer, nullptr));
+    unmap_block(image);
+    if (image.delete_backing_file && image.IsMapping) discard_backing_file(image);
+    image.owns_buffer = 0;
+    image.pixel_buffer = nullptr;
+    image.row_accessor = nullptr;
+    drop(image.Parent);
+    drop(image.MemoryTarget);
+    drop(image.backing_folder_item);
+    drop(image.Target);
+    std::free(std::exchange(image.backing_file_path, nullptr));
+}
+
+void close_image(ImageObject object) { close_record(*record_of(object)); }
+
+MemoryBlock image_memory(ImageObject object, word) {
+    const ImageRecord &image = *record_of(object);
+    return PtrToMemoryBlock(storage_present(image) ? image.pixel_buffer : nullptr);
+}
+
+int64_t image_total_size(ImageObject object, word) { return record_of(object)->TotalSize; }
+
+} // namespace kzb

@@ -1,0 +1,187 @@
+#include "image/mapped_store.h"
+
+#include "host/folder_item.h"
+#include "host/reference.h"
+#include "image/format.h"
+#include "image/lifecycle.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kzb {
+
+namespace {
+
+constinit int64_t page_size = 4096;
+
+constexpr int64_t tail_size = 4096;
+constexpr int64_t fewest_rows_per_block = 5;
+
+int64_t whole_pages(int64_t bytes) { return (bytes + page_size - 1) / page_size * page_size; }
+
+// The bytes of a mapped block. The quotient is compared with the page size, not with 1, so that every wish up to the
+// square of the page size gives that square.
+int64_t mapping_block_size(int64_t wish, int64_t row_size, int64_t total_size) {
+    const int64_t block = std::min(std::max(page_size, wish / page_size) * page_size, total_size);
+    return whole_pages(std::max(block, fewest_rows_per_block * row_size));
+}
+
+// Opens the file for one image alone; -1 when that fails.
+int open_scratch_file(const char *path) {
+    const int descriptor = open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, S_IRUSR | S_IWUSR);
+    if (descriptor < 0) return -1;
+    struct stat status = {};
+    // Truncating a file that another image has mapped would take its pages away. A file system without locks is used
+    // without them.
+    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) ||
+        (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)) {
+        close(descriptor);
+        return -1;
+    }
+    return descriptor;
+}
+
+// Sets the file's length and reserves its space, so that a full disk is found here and not at the first write to a
+// mapped page. A file system that cannot reserve is used as it is.
+bool size_scratch_file(int descriptor, int64_t total_size) {
+    const int64_t length = total_size + page_size;
+    if (fchmod(descriptor, S_IRUSR | S_IWUSR) != 0 || ftruncate(descriptor, 0) != 0 ||
+        ftruncate(descriptor, length) != 0)
+        return false;
+    if (fallocate(descriptor, 0, 0, length) != 0 && (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)) return false;
+    static constexpr char tail[tail_size] = {};
+    return lseek(descriptor, total_size, SEEK_SET) == total_size &&
+           write(descriptor, tail, tail_size) == static_cast<ssize_t>(tail_size);
+}
+
+// Truncates, closes and deletes. Nothing can be done about a failure here.
+void remove_scratch_file(int descriptor, const char *path) {
+    [[maybe_unused]] int ignored = ftruncate(descriptor, 0);
+    close(descriptor);
+    if (path != nullptr) unlink(path);
+}
+
+// The storage row at which the block with storage row `row` starts: two rows before it, so that loops that also read
+// the two previous rows stay inside the block, and no later than the last full block.
+int64_t block_start(const ImageRecord &image, int64_t row) {
+    const int64_t lead = row >= 2 ? row - 2 : row;
+    const auto last = static_cast<uint32_t>(image.Height) - static_cast<uint32_t>(image.rows_per_block);
+    const int64_t start = std::min<int64_t>(lead, last);
+    if (start + image.rows_per_block > row) return start;
+    // A view's own height says nothing about where its rows lie in the file.
+    return std::min(lead, std::max<int64_t>(image.TotalSize / image.RowSize - image.rows_per_block, 0));
+}
+
+void map_block(ImageRecord &image, int64_t start) {
+    void *block = mmap(nullptr, static_cast<size_t>(image.MappingBlockSize), PROT_READ | PROT_WRITE, MAP_SHARED,
+                       image.backing_file_descriptor, start * image.RowSize);
+    if (block == MAP_FAILED) {
+        image.pixel_buffer = nullptr;
+        image.block_mapped = 0;
+        return;
+    }
+    image.pixel_buffer = static_cast<uint8_t *>(block);
+    image.block_mapped = 1;
+    image.first_mapped_row = static_cast<int32_t>(start);
+    image.last_mapped_row = static_cast<int32_t>(start + image.rows_per_block - 1);
+}
+
+} // namespace
+
+void read_page_size() { page_size = std::max(getpagesize(), 4096); }
+
+void construct_file_backed(ImageObject object, int32_t width, int32_t height, int32_t image_format, int32_t block_size,
+                           FolderItem file) {
+    ImageRecord &image = *record_of(object);
+    auto held = Reference<FolderItem>::share(file);
+    begin_construction(image);
+    if (!fill_format_descriptor(&image, width, height, image_format)) return;
+    if (width < 0 || height < 0) return;
+    auto path = folder_item_path(file);
+    if (!path) return;
+    const int descriptor = open_scratch_file(path.get());
+    if (descriptor < 0) return;
+    const int64_t row_size = whole_pages(static_cast<int64_t>(width) * image.PixelSize);
+    const int64_t total_size = row_size * height;
+    const int64_t block = mapping_block_size(block_size, row_size, total_size);
+    // A block is mapped whole and counted in 32 bits.
+    if (row_size == 0 || row_size > INT32_MAX || block > INT32_MAX || !size_scratch_file(descriptor, total_size)) {
+        remove_scratch_file(descriptor, path.get());
+        return;
+    }
+    image.backing_file_path = path.release();
+    image.backing_file_descriptor = descriptor;
+    image.RowSize = static_cast<int32_t>(row_size);
+    image.TotalSize = total_size;
+    image.pixel_buffer = nullptr;
+    image.first_mapped_row = image.last_mapped_row = -1;
+    image.owns_buffer = 0;
+    image.MappingBlockSize = static_cast<int32_t>(block);
+    image.rows_per_block = static_cast<int32_t>(block / row_size);
+    image.backing_folder_item = held.release();
+    image.row_accessor = mapped_row;
+    image.delete_backing_file = 1;
+    image.IsMapping = 1;
+    image.storage_id = next_storage_id();
+    map_block(image, block_start(image, 0));
+    if (image.pixel_buffer == nullptr) {
+        begin_construction(image);
+        return;
+    }
+    image.Valid = 1;
+}
+
+void set_mapping_block_size(ImageObject object, word, int32_t block_size) {
+    ImageRecord &image = *record_of(object);
+    if (!storage_present(image) || image.RowSize == 0) return;
+    const int64_t block = mapping_block_size(block_size, image.RowSize, image.TotalSize);
+    if (block > INT32_MAX) return;
+    unmap_block(image);
+    image.MappingBlockSize = static_cast<int32_t>(block);
+    image.rows_per_block = static_cast<int32_t>(block / image.RowSize);
+    image.row_accessor(image, 0);
+}
+
+uint8_t *mapped_row(ImageRecord &image, int32_t index) {
+    const int64_t row = static_cast<int64_t>(image.RowOffset) + index;
+    if (row < 0 || (row + 1) * image.RowSize > image.TotalSize) return nullptr;
+    if (row < image.first_mapped_row || row > image.last_mapped_row) {
+        unmap_block(image);
+        map_block(image, block_start(image, row));
+        if (image.pixel_buffer == nullptr) return nullptr;
+    }
+    return image.pixel_buffer + (row - image.first_mapped_row) * image.RowSize;
+}
+
+void unmap_block(ImageRecord &image) {
+    if (!image.block_mapped) return;
+    image.block_mapped = 0;
+    if (image.pixel_buffer == nullptr) return;
+    munmap(image.pixel_buffer, static_cast<size_t>(image.MappingBlockSize));
+    image.pixel_buffer = nullptr;
+    image.first_mapped_row = image.last_mapped_row = -1;
+}
+
+void discard_backing_file(ImageRecord &image) {
+    // Close runs this again when it is called again, on descriptor 0 and without a path.
+    remove_scratch_file(image.backing_file_descriptor, image.backing_file_path);
+    image.backing_file_descriptor = 0;
+}
+
+void open_window(ImageRecord &window, const ImageRecord &image) {
+    window.IsMapping = 1;
+    window.delete_backing_file = 0;
+    window.block_mapped = 0;
+    window.pixel_buffer = nullptr;
+    window.backing_file_descriptor = image.backing_file_descriptor;
+    window.MappingBlockSize = image.MappingBlockSize;
+    window.rows_per_block = image.rows_per_block;
+    window.first_mapped_row = window.last_mapped_row = -1;
+}
+
+} // namespace kzb

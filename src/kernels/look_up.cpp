@@ -1,0 +1,10 @@
+#include "kernels/look_up.h"
+
+namespace kzb::kernels {
+
+void look_up(uint8_t *target, size_t target_step, const uint8_t *source, size_t source_step, const uint8_t *table,
+             size_t count) {
+    for (; count != 0; --count, target += target_step, source += source_step) *target = table[*source];
+}
+
+} // namespace kzb::kernels
