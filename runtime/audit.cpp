@@ -72,6 +72,11 @@ bool audit_add(const void *record, Tracked kind) noexcept {
     }
 }
 
+bool audit_is_alive(const void *record, Tracked kind) noexcept {
+    auto found = living().find(record);
+    return found != living().end() && found->second == kind;
+}
+
 bool audit_check(const void *record, Tracked kind, const char *caller) noexcept {
     auto found = living().find(record);
     if (found != living().end() && found->second == kind) return true;
@@ -104,6 +109,12 @@ void audit_bury(void *record, size_t size, const char *class_name) noexcept {
 
 void audit_graves() noexcept {
     for (size_t age = 0; age < count; ++age) inspect(grave(age));
+}
+
+size_t live_objects(const ObjectClass &type) noexcept {
+    return static_cast<size_t>(std::count_if(living().begin(), living().end(), [&](const Living::value_type &entry) {
+        return entry.second == Tracked::object && static_cast<const KZBObjectRecord *>(entry.first)->type == &type;
+    }));
 }
 
 void audit_references(ptrdiff_t change) noexcept {

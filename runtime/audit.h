@@ -11,12 +11,17 @@
 
 namespace kzb {
 
+struct ObjectClass;
+
 enum class Tracked : uint8_t { object, string };
 
 // Notes a new record; false when out of memory.
 bool audit_add(const void *record, Tracked kind) noexcept;
 
-// Whether the record is alive; if not, reports that `caller` uses it.
+// Whether the record is alive.
+bool audit_is_alive(const void *record, Tracked kind) noexcept;
+
+// The same; if it is not, reports that `caller` uses it.
 bool audit_check(const void *record, Tracked kind, const char *caller) noexcept;
 
 // Takes over a record of `size` bytes, got from malloc or aligned_alloc, which is gone from now on.
@@ -24,6 +29,9 @@ void audit_bury(void *record, size_t size, const char *class_name) noexcept;
 
 // Reports records that were written to after their release.
 void audit_graves() noexcept;
+
+// How many objects of a class are alive.
+size_t live_objects(const ObjectClass &type) noexcept;
 
 // Keeps count of the references in all.
 void audit_references(ptrdiff_t change) noexcept;

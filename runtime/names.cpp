@@ -36,6 +36,12 @@ size_t edit_distance(std::string_view a, std::string_view b) noexcept {
 
 } // namespace
 
+bool is_name(std::string_view text) noexcept {
+    auto is_letter = [](char c) { return (lower(c) >= 'a' && lower(c) <= 'z') || c == '_'; };
+    return !text.empty() && is_letter(text.front()) &&
+           std::all_of(text.begin(), text.end(), [&](char c) { return is_letter(c) || (c >= '0' && c <= '9'); });
+}
+
 bool same_name(std::string_view a, std::string_view b) noexcept {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
 }
@@ -48,6 +54,10 @@ bool same_declaration(std::string_view a, std::string_view b) noexcept {
         if (i == a.size() || j == b.size()) return i == a.size() && j == b.size();
         if (lower(a[i++]) != lower(b[j++])) return false;
     }
+}
+
+std::string Suggestion::hint() const {
+    return nearest ? "; did you mean " + std::string(nearest) + "?" : "";
 }
 
 void Suggestion::consider(const char *candidate) noexcept {

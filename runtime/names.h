@@ -2,9 +2,13 @@
 #ifndef KZB_RUNTIME_NAMES_H
 #define KZB_RUNTIME_NAMES_H
 
+#include <string>
 #include <string_view>
 
 namespace kzb {
+
+// Whether a text is a name: a letter or '_', then letters, digits and '_'.
+bool is_name(std::string_view text) noexcept;
 
 bool same_name(std::string_view a, std::string_view b) noexcept;
 
@@ -17,8 +21,9 @@ public:
     explicit Suggestion(std::string_view mistyped) noexcept : wanted(mistyped) {}
     void consider(const char *candidate) noexcept;
 
-    // The best candidate, or nil when none is near: more than a third of its letters would have to change.
-    const char *best() const noexcept { return nearest; }
+    // "; did you mean X?" with the best candidate, or "" when none is near: more than a third of its letters would have
+    // to change. May throw std::bad_alloc.
+    std::string hint() const;
 
 private:
     std::string_view wanted;

@@ -1,7 +1,9 @@
 #include "object.h"
 
 #include "audit.h"
+#include "class.h"
 #include "entries.h"
+#include "exception.h"
 #include "extras.h"
 #include <cstdlib>
 #include <cstring>
@@ -18,7 +20,11 @@ size_t allocation_size(const ObjectClass &type) noexcept {
 void destroy(KZBObject object) noexcept {
     const ObjectClass &type = *object->type;
     object->dying = true;
-    if (type.definition && type.definition->destructor) type.definition->destructor(object);
+    const ModuleClass *of_module = module_class(type);
+    if (of_module && of_module->definition->destructor) {
+        CallFrame frame(of_module->module);
+        of_module->definition->destructor(object);
+    }
     if (type.finalize) type.finalize(object);
     if (object->extras) {
         drop_assigned_references(object, *object->extras);

@@ -90,9 +90,10 @@ KZB_API kzb_module *kzb_module_load(const char *path, kzb_error *error);
 KZB_API void kzb_module_unload(kzb_module *module);
 
 /* A file-backed image that is closed and then destroyed closes descriptor 0 the second time. Before the first module
- * runs, the host therefore moves the process's standard input to another descriptor and puts the null device, read-only,
- * in its place, and puts it back whenever a module has closed it. A program reads its standard input from the descriptor
- * that this function returns (-1: there was none when it was moved); the call itself moves it when no module has yet. */
+ * runs, the host therefore moves the process's standard input to another descriptor and puts the null device,
+ * read-only, in its place; it does so again whenever a module has closed that. A program reads its standard input from
+ * the descriptor that this function returns (-1: there was none when it was moved); when no module has been loaded yet,
+ * the call moves it. */
 KZB_API int kzb_standard_input(void);
 
 /* The classes that the module registered, in that order; nil beyond the last. The records are the module's own. */
