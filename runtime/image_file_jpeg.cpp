@@ -29,16 +29,26 @@ void give_up(j_common_ptr codec) {
     std::longjmp(errors->jump, 1);
 }
 
+// Bytes that belong to nothing: a few before a marker are padding that cameras write, but many, or any before the
+// marker of a new interval, are pixels gone astray.
+bool is_padding(const jpeg_error_mgr &errors) {
+    constexpr int most_padding = 64;
+    const int count = errors.msg_parm.i[0], marker = errors.msg_parm.i[1];
+    return count <= most_padding && !(marker >= JPEG_RST0 && marker < JPEG_RST0 + 8);
+}
+
 // Warnings that say that pixels are missing or made up are errors here; the others concern markers only.
 void judge_message(j_common_ptr codec, int level) {
     if (level >= 0) return;
     switch (codec->err->msg_code) {
-    case JWRN_EXTRANEOUS_DATA:
     case JWRN_ADOBE_XFORM:
     case JWRN_JFIF_MAJOR:
     case JWRN_TOO_MUCH_DATA:
     case JWRN_BOGUS_ICC:
         return;
+    case JWRN_EXTRANEOUS_DATA:
+        if (is_padding(*codec->err)) return;
+        [[fallthrough]];
     default:
         give_up(codec);
     }
