@@ -33,7 +33,7 @@ constexpr KZBFunction read_only = nullptr;
 template <Text declaration, auto function, auto setter = nullptr> MethodDefinition method(word flags = method_flags) {
     constexpr Signature declared = DeclarationReader(declaration.characters).read();
     static_assert(signature_of(function) == method_signature(declared), "the function does not fit its declaration");
-    if constexpr (setter != nullptr)
+    if constexpr (!std::is_null_pointer_v<decltype(setter)>)
         static_assert(signature_of(setter) == setter_signature(declared), "the setter does not fit its declaration");
     return {guarded<function>(), guarded<setter>(), declaration.characters, flags};
 }
