@@ -19,6 +19,9 @@
 #include <picturekzb/host_interface.h>
 #include <stddef.h>
 
+/* Marks what the library exports. */
+#define KZB_API __attribute__((visibility("default")))
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -67,12 +70,12 @@ typedef struct kzb_value {
 
 /* Adds a reference to, or drops one from, what a value refers to; nothing for plain values. kzb_release also makes the
  * value KZB_NIL. */
-void kzb_retain(const kzb_value *value);
-void kzb_release(kzb_value *value);
+KZB_API void kzb_retain(const kzb_value *value);
+KZB_API void kzb_release(kzb_value *value);
 
 /* The class name of an object ("PictureKZB", "MemoryBlock", "Picture", "FolderItem" ...), valid as long as the object;
  * "nil" for nil. */
-const char *kzb_class_name(KZBObject object);
+KZB_API const char *kzb_class_name(KZBObject object);
 
 /* -------------------------------------------------------------------------------------------------- modules */
 
@@ -81,18 +84,25 @@ typedef struct kzb_module kzb_module;
 /* Loads the module at `path` and starts it. Several may be loaded at a time; where two register a class of the same
  * name, the later one's is found. Each step fails with its own sentence: no such file, not a library, no
  * REALPluginMain, a wrong interface version, nothing registered, a nil where a record needs a value. */
-kzb_module *kzb_module_load(const char *path, kzb_error *error);
+KZB_API kzb_module *kzb_module_load(const char *path, kzb_error *error);
 
 /* Forgets the module's classes and unloads it. All its objects must have been released. Nil is ignored. */
-void kzb_module_unload(kzb_module *module);
+KZB_API void kzb_module_unload(kzb_module *module);
+
+/* A file-backed image that is closed and then destroyed closes descriptor 0 the second time. Before the first module
+ * runs, the host therefore moves the process's standard input to another descriptor and puts the null device,
+ * read-only, in its place; it does so again whenever a module has closed that. A program reads its standard input from
+ * the descriptor that this function returns (-1: there was none when it was moved); when no module has been loaded yet,
+ * the call moves it. */
+KZB_API int kzb_standard_input(void);
 
 /* The classes that the module registered, in that order; nil beyond the last. The records are the module's own. */
-const ClassDefinition *kzb_module_class(const kzb_module *module, size_t index);
+KZB_API const ClassDefinition *kzb_module_class(const kzb_module *module, size_t index);
 
 /* Replaces the resolver that modules are given from now on (nil: back to the host's own), for hosts that lack entry
  * points or wrap them; kzb_host_entry is the host's own, and gives nil for a name that it does not know. */
-void kzb_use_resolver(KZBResolver resolver);
-void *kzb_host_entry(const char *name);
+KZB_API void kzb_use_resolver(KZBResolver resolver);
+KZB_API void *kzb_host_entry(const char *name);
 
 /* ---------------------------------------------------------------------------------------------------- calls
  *
@@ -104,30 +114,30 @@ void *kzb_host_entry(const char *name);
 /* `New class_name(arguments)`: makes the object and calls the Constructor that fits; without arguments, and where no
  * Constructor takes none, no constructor runs. An image whose constructor failed is returned all the same, as in the
  * host: its Valid tells. */
-KZBObject kzb_new(const char *class_name, const kzb_value *arguments, size_t count, kzb_error *error);
+KZB_API KZBObject kzb_new(const char *class_name, const kzb_value *arguments, size_t count, kzb_error *error);
 
 /* `object.method(arguments)`; `result` may be nil, the result is then released. 1: returned, 0: failed. */
-int kzb_call(KZBObject object, const char *method, const kzb_value *arguments, size_t count, kzb_value *result,
-             kzb_error *error);
+KZB_API int kzb_call(KZBObject object, const char *method, const kzb_value *arguments, size_t count, kzb_value *result,
+                     kzb_error *error);
 
 /* `object.method(arguments) = value`. */
-int kzb_assign(KZBObject object, const char *method, const kzb_value *arguments, size_t count, const kzb_value *value,
-               kzb_error *error);
+KZB_API int kzb_assign(KZBObject object, const char *method, const kzb_value *arguments, size_t count,
+                       const kzb_value *value, kzb_error *error);
 
 /* `class_name.method(arguments)`, a shared method. */
-int kzb_call_shared(const char *class_name, const char *method, const kzb_value *arguments, size_t count,
-                    kzb_value *result, kzb_error *error);
+KZB_API int kzb_call_shared(const char *class_name, const char *method, const kzb_value *arguments, size_t count,
+                            kzb_value *result, kzb_error *error);
 
 /* `object.property` and `object.property = value`. */
-int kzb_get(KZBObject object, const char *property, kzb_value *result, kzb_error *error);
-int kzb_set(KZBObject object, const char *property, const kzb_value *value, kzb_error *error);
+KZB_API int kzb_get(KZBObject object, const char *property, kzb_value *result, kzb_error *error);
+KZB_API int kzb_set(KZBObject object, const char *property, const kzb_value *value, kzb_error *error);
 
 /* `class_name.constant`. */
-int kzb_constant(const char *class_name, const char *constant, int64_t *value, kzb_error *error);
+KZB_API int kzb_constant(const char *class_name, const char *constant, int64_t *value, kzb_error *error);
 
 /* Gives the object a handler of an event, named as in its declaration's start ("NewPictureKZB"); nil takes it away.
  * The handler is called with the object, then the declared arguments, as C values. */
-int kzb_handle_event(KZBObject object, const char *event, KZBFunction handler, kzb_error *error);
+KZB_API int kzb_handle_event(KZBObject object, const char *event, KZBFunction handler, kzb_error *error);
 
 /* ------------------------------------------------------------------------------------------- declarations */
 
@@ -162,37 +172,37 @@ typedef struct kzb_declaration {
 } kzb_declaration;
 
 /* Takes a method's or event's declaration apart. */
-int kzb_parse_declaration(const char *text, kzb_declaration *declaration, kzb_error *error);
+KZB_API int kzb_parse_declaration(const char *text, kzb_declaration *declaration, kzb_error *error);
 
 /* -------------------------------------------------------------------------------------- values of the host */
 
 /* A string holding a copy of `count` bytes in `encoding`; nil when out of memory. Its bytes and length are read
  * through the reference itself; release it as a value of kind KZB_STRING. */
-KZBString kzb_string_new(const void *bytes, size_t count, uint32_t encoding);
+KZB_API KZBString kzb_string_new(const void *bytes, size_t count, uint32_t encoding);
 
 /* A memory block holding a copy of `count` bytes (nil bytes: zeros); nil when out of memory. */
-KZBMemoryBlock kzb_block_new(const void *bytes, size_t count);
+KZB_API KZBMemoryBlock kzb_block_new(const void *bytes, size_t count);
 
 /* A block's bytes, and in *count (may be nil) how many; 0 for a block that refers to an address. */
-void *kzb_block_bytes(KZBMemoryBlock block, size_t *count);
+KZB_API void *kzb_block_bytes(KZBMemoryBlock block, size_t *count);
 
 /* An array of integers. */
-KZBArray kzb_array_new(const int32_t *values, size_t count);
+KZB_API KZBArray kzb_array_new(const int32_t *values, size_t count);
 
 /* A folder item for a path, which need not exist; relative to the current folder. */
-KZBFolderItem kzb_folder_item_new(const char *path);
+KZB_API KZBFolderItem kzb_folder_item_new(const char *path);
 
 /* A picture of depth 8 (gray), 16 (5 bits each of red, green, blue in a native 16-bit word), 24 (red, green, blue) or
  * 32 (exchange pixels); nil for a bad size or depth, or when out of memory. White, without a mask. */
-KZBPicture kzb_picture_new(int32_t width, int32_t height, int32_t depth);
+KZB_API KZBPicture kzb_picture_new(int32_t width, int32_t height, int32_t depth);
 
 /* The world that holds a picture's pixels, which stays the picture's and is valid as long as it; nil for nil. */
-GWorldPtr kzb_picture_world(KZBPicture picture);
+KZB_API GWorldPtr kzb_picture_world(KZBPicture picture);
 
 /* A picture's mask, or nil; a mask's gray level 255 is opaque, 0 transparent. kzb_picture_set_mask draws nothing: it
  * makes `mask` the picture's mask (nil: none). */
-KZBPicture kzb_picture_mask(KZBPicture picture);
-void kzb_picture_set_mask(KZBPicture picture, KZBPicture mask);
+KZB_API KZBPicture kzb_picture_mask(KZBPicture picture);
+KZB_API void kzb_picture_set_mask(KZBPicture picture, KZBPicture mask);
 
 /* ---------------------------------------------------------------------------------------------- image files */
 
@@ -206,36 +216,36 @@ typedef struct kzb_write_options {
 
 /* Reads a PNG or JPEG file (told by its content) into a picture of depth 32; a file's alpha becomes the mask. 16-bit,
  * palette, gray and interlaced PNG and gray, CMYK and YCCK JPEG are read too. Options may be nil. */
-KZBPicture kzb_picture_read(const char *path, const kzb_read_options *options, kzb_error *error);
+KZB_API KZBPicture kzb_picture_read(const char *path, const kzb_read_options *options, kzb_error *error);
 
 /* Writes a picture as PNG or JPEG, told by the path's ending (.png, .jpg, .jpeg). PNG: RGB, with the mask as alpha
  * where there is one. JPEG: the mask is left out. The file is written whole under a temporary name beside it and then
  * renamed, so that a failure leaves what was there before. */
-int kzb_picture_write(KZBPicture picture, const char *path, const kzb_write_options *options, kzb_error *error);
+KZB_API int kzb_picture_write(KZBPicture picture, const char *path, const kzb_write_options *options, kzb_error *error);
 
 /* --------------------------------------------------------------------------------------------------- yields */
 
 /* Called whenever a module yields, with `context`; user code may call modules from it. A result of 0 asks to stop:
  * the host remembers it, kzb_stop_requested() tells. Nil: no callback. */
 typedef int kzb_yield_callback(void *context);
-void kzb_on_yield(kzb_yield_callback *callback, void *context);
-uint64_t kzb_yield_count(void);
-int kzb_stop_requested(void);
-void kzb_clear_stop(void);
+KZB_API void kzb_on_yield(kzb_yield_callback *callback, void *context);
+KZB_API uint64_t kzb_yield_count(void);
+KZB_API int kzb_stop_requested(void);
+KZB_API void kzb_clear_stop(void);
 
 /* --------------------------------------------------------------------------------------------------- audit */
 
 /* How many objects of a class are alive ("PictureKZB", "MemoryBlock", "Picture", "Graphics", "FolderItem", "String",
  * "Array", "OutOfBoundsException" ...); nil: all of them. */
-size_t kzb_live_count(const char *class_name);
+KZB_API size_t kzb_live_count(const char *class_name);
 
 /* References in all, over live objects, strings and arrays: unchanged over a call that keeps its balance. */
-size_t kzb_live_references(void);
+KZB_API size_t kzb_live_references(void);
 
 /* What happens when a module releases what is gone or uses it: by default the host writes one line to stderr and
  * aborts. With a handler, the handler is called with that line, and the misuse is otherwise ignored. */
 typedef void kzb_misuse_handler(const char *line, void *context);
-void kzb_on_misuse(kzb_misuse_handler *handler, void *context);
+KZB_API void kzb_on_misuse(kzb_misuse_handler *handler, void *context);
 
 #ifdef __cplusplus
 }
