@@ -1,6 +1,10 @@
 #include "host/registration.h"
 
+#include "filters/box_blur.h"
+#include "filters/fractional_blur.h"
+#include "filters/stamp.h"
 #include "filters/tone.h"
+#include "filters/unsharp.h"
 #include "geometry/copy.h"
 #include "geometry/fill.h"
 #include "geometry/views.h"
@@ -241,8 +245,17 @@ MethodDefinition methods[] = {
     // Dithering
 
     // Effects
+    method<"StampFilter(dest as PictureKZB, radius as double, threshold as double, softness as double, "
+           "Black as Color, White as Color) as PictureKZB",
+           stamp_filter>(),
 
     // Blur and sharpen
+    method<"BoxBlurFilter(dest as PictureKZB, Radius as double) as PictureKZB", box_blur_filter>(),
+    method<"BoxBlurFilter(dest as PictureKZB, Radius as double, Iterations as integer) as PictureKZB",
+           box_blur_filter_repeated>(),
+    method<"BoxBlurFractionalFilter(dest as PictureKZB, Radius as double) as PictureKZB", box_blur_fractional_filter>(),
+    method<"UnsharpFilter(origpixels as PictureKZB, Amount as double, Threshold as integer) as boolean",
+           unsharp_filter>(),
 };
 
 MethodDefinition shared_methods[] = {
