@@ -64,7 +64,9 @@ TEST_F(Call, KeepsTheBalanceOfReferences) {
 
 TEST_F(Call, ComparesNamesWithoutRegardToCase) {
     EXPECT_EQ(call("TWICEINTEGER", integer(4))->integer, 8);
-    EXPECT_EQ(call_with("sum", Arguments().named("A", integer(1)).named("C", integer(3)).named("b", integer(2)))->integer, 123);
+    EXPECT_EQ(
+        call_with("sum", Arguments().named("A", integer(1)).named("C", integer(3)).named("b", integer(2)))->integer,
+        123);
 }
 
 TEST_F(Call, FillsInDefaults) {
@@ -133,8 +135,9 @@ TEST_F(Call, NamesTheArgumentThatDoesNotFit) {
     EXPECT_EQ(mistake("SetStringProperty", block("x"), text("Message"), text("x")),
               "Sampler.SetStringProperty, argument 1 (sampler as Sampler): a Sampler or nil is expected, a MemoryBlock "
               "came");
-    EXPECT_EQ(mistake("Element", integer(1), integer(1)),
-              "Sampler.Element, argument 1 (values() as integer): an array of integers is expected, the integer 1 came");
+    EXPECT_EQ(
+        mistake("Element", integer(1), integer(1)),
+        "Sampler.Element, argument 1 (values() as integer): an array of integers is expected, the integer 1 came");
     EXPECT_EQ(mistake("Half", text("1")),
               "Sampler.Half, argument 1 (value as double): a number is expected, a string came");
     EXPECT_EQ(mistake("Doubled", array({})),

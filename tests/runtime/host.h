@@ -47,10 +47,18 @@ inline Value plain(kzb_kind kind, int64_t integer) {
     value.integer = integer;
     return Value(value);
 }
-inline Value nil() { return Value(); }
-inline Value integer(int64_t number) { return plain(KZB_INTEGER, number); }
-inline Value boolean(int64_t number) { return plain(KZB_BOOLEAN, number); }
-inline Value color(int64_t number) { return plain(KZB_COLOR, number); }
+inline Value nil() {
+    return Value();
+}
+inline Value integer(int64_t number) {
+    return plain(KZB_INTEGER, number);
+}
+inline Value boolean(int64_t number) {
+    return plain(KZB_BOOLEAN, number);
+}
+inline Value color(int64_t number) {
+    return plain(KZB_COLOR, number);
+}
 inline Value number(double number) {
     kzb_value value = {};
     value.kind = KZB_DOUBLE;
@@ -70,7 +78,9 @@ template <class Reference> Value object(Reference reference) {
     value.object = reinterpret_cast<KZBObject>(reference);
     return Value(value);
 }
-inline Value block(const std::string &bytes) { return object(kzb_block_new(bytes.data(), bytes.size())); }
+inline Value block(const std::string &bytes) {
+    return object(kzb_block_new(bytes.data(), bytes.size()));
+}
 inline Value array(std::initializer_list<int32_t> values) {
     kzb_value value = {};
     value.kind = KZB_ARRAY;
@@ -105,13 +115,12 @@ protected:
     }
 
     void TearDown() override {
-        EXPECT_EQ(kzb_live_count(nullptr), expected_alive);
+        EXPECT_EQ(kzb_live_count(nullptr), 0U);
         EXPECT_EQ(misuses, expected_misuses);
         kzb_on_misuse(nullptr, nullptr);
     }
 
     std::vector<std::string> misuses, expected_misuses;
-    size_t expected_alive = 0;
     kzb_error error = {};
 };
 

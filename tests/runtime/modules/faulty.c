@@ -1,7 +1,9 @@
 /* A module that would be well but for the one fault that it is compiled with. */
 #include <picturekzb/host_interface.h>
 
-static void nothing(KZBObject object) { (void)object; }
+static void nothing(KZBObject object) {
+    (void)object;
+}
 
 struct Data {
     int32_t number;
@@ -111,7 +113,8 @@ int32_t REALPluginMain(KZBResolver resolver) {
 #endif
     int32_t result = (int32_t)register_class(&definition);
 #if defined(FAULT_OBJECT_LEFT)
-    ((PluginNewInstanceFunction *)(intptr_t)resolver("PluginNewInstance"))("Faulty");
+    /* Where the test finds it. */
+    definition.event_instances = ((PluginNewInstanceFunction *)(intptr_t)resolver("PluginNewInstance"))("Faulty");
 #endif
     return result;
 #endif

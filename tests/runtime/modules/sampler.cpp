@@ -12,7 +12,9 @@ namespace {
 KZBResolver resolve;
 
 // A host entry point, looked up at every call.
-template <class Function> Function *entry(const char *name) { return reinterpret_cast<Function *>(resolve(name)); }
+template <class Function> Function *entry(const char *name) {
+    return reinterpret_cast<Function *>(resolve(name));
+}
 #define HOST(name) entry<name##Function>(#name)
 
 extern ClassDefinition sampler_class;
@@ -71,7 +73,9 @@ void destructor(KZBObject object) {
 
 // ---------------------------------------------------------------------------------------- constructors
 
-void construct_count(KZBObject object, int32_t start) { data(object).count = start; }
+void construct_count(KZBObject object, int32_t start) {
+    data(object).count = start;
+}
 
 void construct_block(KZBObject object, KZBMemoryBlock block, int32_t start) {
     if (!block) return raise("NilObjectException", "Block is nil");
@@ -93,14 +97,30 @@ KZBString describe(KZBObject object, int32_t i, int64_t l, double d, KZBBoolean 
     return text(line);
 }
 
-int32_t twice_integer(KZBObject, int32_t value) { return static_cast<int32_t>(2 * static_cast<uint32_t>(value)); }
-int64_t twice_int64(KZBObject, int64_t value) { return 2 * value; }
-double half(KZBObject, double value) { return value / 2; }
-KZBBoolean negated(KZBObject, KZBBoolean value) { return !value; }
-uint32_t inverted(KZBObject, uint32_t value) { return 0xFFFFFF - value; }
-KZBString doubled(KZBObject, KZBString value) { return text(bytes_of(value) + bytes_of(value)); }
-KZBString no_text(KZBObject) { return nullptr; }
-KZBObject no_object(KZBObject) { return nullptr; }
+int32_t twice_integer(KZBObject, int32_t value) {
+    return static_cast<int32_t>(2 * static_cast<uint32_t>(value));
+}
+int64_t twice_int64(KZBObject, int64_t value) {
+    return 2 * value;
+}
+double half(KZBObject, double value) {
+    return value / 2;
+}
+KZBBoolean negated(KZBObject, KZBBoolean value) {
+    return !value;
+}
+uint32_t inverted(KZBObject, uint32_t value) {
+    return 0xFFFFFF - value;
+}
+KZBString doubled(KZBObject, KZBString value) {
+    return text(bytes_of(value) + bytes_of(value));
+}
+KZBString no_text(KZBObject) {
+    return nullptr;
+}
+KZBObject no_object(KZBObject) {
+    return nullptr;
+}
 void nothing(KZBObject) {}
 
 KZBObject myself(KZBObject object) {
@@ -133,7 +153,9 @@ int32_t element(KZBObject, KZBArray values, int32_t index) {
     return value;
 }
 
-int32_t sum(KZBObject, int32_t a, int32_t b, int32_t c) { return 100 * a + 10 * b + c; }
+int32_t sum(KZBObject, int32_t a, int32_t b, int32_t c) {
+    return 100 * a + 10 * b + c;
+}
 
 KZBString defaults(KZBObject, KZBBoolean b, double d, uint32_t c, KZBString s, KZBObject o, KZBArray a, int64_t l) {
     char line[256];
@@ -161,7 +183,9 @@ KZBString path_of(KZBObject, KZBFolderItem item, int32_t kind) {
     return text(both);
 }
 
-KZBBoolean has_entry(KZBObject, KZBString name) { return resolve(name->text) != nullptr; }
+KZBBoolean has_entry(KZBObject, KZBString name) {
+    return resolve(name->text) != nullptr;
+}
 
 int32_t integer_property(KZBObject, KZBObject object, KZBString name) {
     int32_t value = -77;
@@ -176,23 +200,49 @@ KZBBoolean finds_method(KZBObject object, KZBString declaration) {
     return HOST(REALLoadObjectMethod)(object, declaration->text) == reinterpret_cast<KZBFunction>(negated);
 }
 
-KZBObject fresh(KZBObject, KZBString class_name) { return HOST(PluginNewInstance)(class_name->text); }
+KZBObject fresh(KZBObject, KZBString class_name) {
+    return HOST(PluginNewInstance)(class_name->text);
+}
 
 // --------------------------------------------------------------------------------------------- overloads
 
-KZBString kind_integer(KZBObject, int32_t) { return text("integer"); }
-KZBString kind_double(KZBObject, double) { return text("double"); }
-KZBString kind_boolean(KZBObject, KZBBoolean) { return text("boolean"); }
-KZBString kind_color(KZBObject, uint32_t) { return text("color"); }
-KZBString kind_string(KZBObject, KZBString) { return text("string"); }
-KZBString kind_block(KZBObject, KZBMemoryBlock) { return text("block"); }
-KZBString kind_array(KZBObject, KZBArray) { return text("array"); }
-KZBString kind_number(KZBObject, double) { return text("number"); }
-KZBString kind_wide(KZBObject, int64_t) { return text("wide"); }
+KZBString kind_integer(KZBObject, int32_t) {
+    return text("integer");
+}
+KZBString kind_double(KZBObject, double) {
+    return text("double");
+}
+KZBString kind_boolean(KZBObject, KZBBoolean) {
+    return text("boolean");
+}
+KZBString kind_color(KZBObject, uint32_t) {
+    return text("color");
+}
+KZBString kind_string(KZBObject, KZBString) {
+    return text("string");
+}
+KZBString kind_block(KZBObject, KZBMemoryBlock) {
+    return text("block");
+}
+KZBString kind_array(KZBObject, KZBArray) {
+    return text("array");
+}
+KZBString kind_number(KZBObject, double) {
+    return text("number");
+}
+KZBString kind_wide(KZBObject, int64_t) {
+    return text("wide");
+}
 
-KZBString pick_none(KZBObject) { return text("none"); }
-KZBString pick_one(KZBObject, int32_t) { return text("one"); }
-KZBString pick_optional(KZBObject, int32_t, int32_t, int32_t, int32_t) { return text("optional"); }
+KZBString pick_none(KZBObject) {
+    return text("none");
+}
+KZBString pick_one(KZBObject, int32_t) {
+    return text("one");
+}
+KZBString pick_optional(KZBObject, int32_t, int32_t, int32_t, int32_t) {
+    return text("optional");
+}
 
 // ----------------------------------------------------------------------------------------------- setters
 
@@ -231,8 +281,12 @@ void raise_message(KZBObject, KZBString message) {
     HOST(RuntimeRaiseException)(exception);
 }
 
-void raise_silently(KZBObject) { raise("OutOfBoundsException", nullptr); }
-void raise_nil(KZBObject) { raise("NoSuchException", "lost"); }
+void raise_silently(KZBObject) {
+    raise("OutOfBoundsException", nullptr);
+}
+void raise_nil(KZBObject) {
+    raise("NoSuchException", "lost");
+}
 
 void raise_again(KZBObject) {
     KZBObject exception = HOST(PluginNewInstance)("RuntimeException");
@@ -241,9 +295,13 @@ void raise_again(KZBObject) {
     HOST(RuntimeRaiseException)(exception);
 }
 
-void raise_object(KZBObject object) { HOST(RuntimeRaiseException)(object); }
+void raise_object(KZBObject object) {
+    HOST(RuntimeRaiseException)(object);
+}
 
-void yield(KZBObject) { HOST(REALYieldToRB)(); }
+void yield(KZBObject) {
+    HOST(REALYieldToRB)();
+}
 
 void raise_and_yield(KZBObject) {
     KZBObject exception = HOST(PluginNewInstance)("NilObjectException");
@@ -286,7 +344,9 @@ void write_to_released(KZBObject) {
     string->encoding = 1;
 }
 
-void take_block_for_array(KZBObject, KZBMemoryBlock block) { HOST(RuntimeUBound)(reinterpret_cast<KZBArray>(block)); }
+void take_block_for_array(KZBObject, KZBMemoryBlock block) {
+    HOST(RuntimeUBound)(reinterpret_cast<KZBArray>(block));
+}
 
 KZBString released_result(KZBObject) {
     KZBString string = text("gone");
@@ -294,10 +354,18 @@ KZBString released_result(KZBObject) {
     return string;
 }
 
-void keep_itself(KZBObject object) { data(object).keeps_itself = 1; }
-void close_descriptor(KZBObject) { close(0); }
-void close_descriptor_at_the_end(KZBObject object) { data(object).closes_descriptor = 1; }
-void forget_other(KZBObject object) { data(object).other = nullptr; }
+void keep_itself(KZBObject object) {
+    data(object).keeps_itself = 1;
+}
+void close_descriptor(KZBObject) {
+    close(0);
+}
+void close_descriptor_at_the_end(KZBObject object) {
+    data(object).closes_descriptor = 1;
+}
+void forget_other(KZBObject object) {
+    data(object).other = nullptr;
+}
 
 // -------------------------------------------------------------------------------------------- properties
 
@@ -310,16 +378,30 @@ void set_computed(KZBObject object, kzb_word parameter, int32_t value) {
     data(object).computed = value - static_cast<int32_t>(parameter);
 }
 
-void set_secret(KZBObject object, kzb_word, int32_t value) { data(object).secret = value; }
-KZBString get_title(KZBObject object, kzb_word) { return text("title " + std::to_string(data(object).count)); }
-int64_t get_size(KZBObject, kzb_word) { return INT64_C(0x123456789AB); }
-double get_exact(KZBObject, kzb_word parameter) { return static_cast<double>(parameter) / 4; }
-KZBMemoryBlock get_memory(KZBObject object, kzb_word) { return HOST(PtrToMemoryBlock)(&data(object).items); }
+void set_secret(KZBObject object, kzb_word, int32_t value) {
+    data(object).secret = value;
+}
+KZBString get_title(KZBObject object, kzb_word) {
+    return text("title " + std::to_string(data(object).count));
+}
+int64_t get_size(KZBObject, kzb_word) {
+    return INT64_C(0x123456789AB);
+}
+double get_exact(KZBObject, kzb_word parameter) {
+    return static_cast<double>(parameter) / 4;
+}
+KZBMemoryBlock get_memory(KZBObject object, kzb_word) {
+    return HOST(PtrToMemoryBlock)(&data(object).items);
+}
 
 // ---------------------------------------------------------------------------------------- shared methods
 
-int32_t add(int32_t a, int32_t b) { return a + b; }
-int32_t count_destroyed() { return destroyed; }
+int32_t add(int32_t a, int32_t b) {
+    return a + b;
+}
+int32_t count_destroyed() {
+    return destroyed;
+}
 
 KZBObject make(int32_t start) {
     KZBObject object = HOST(PluginNewInstance)("Sampler");
@@ -336,7 +418,9 @@ KZBObject ask(KZBObject source, int32_t a, double b) {
 
 // ------------------------------------------------------------------------------------------------ tables
 
-template <class Function> KZBFunction erased(Function *function) { return reinterpret_cast<KZBFunction>(function); }
+template <class Function> KZBFunction erased(Function *function) {
+    return reinterpret_cast<KZBFunction>(function);
+}
 
 #define FIELD(name) static_cast<kzb_word>(offsetof(Sampler, name))
 
@@ -441,7 +525,9 @@ EventDefinition source_events[] = {{"Supply(a as integer, b as double) as Sample
 
 MethodDefinition source_methods[] = {{erased(ask), nullptr, "Ask(a as integer, b as double) as Sampler", 0}};
 
-template <class Row, size_t count> constexpr kzb_word length(Row (&)[count]) { return count; }
+template <class Row, size_t count> constexpr kzb_word length(Row (&)[count]) {
+    return count;
+}
 
 ClassDefinition sampler_class = {
     .version = KZB_INTERFACE_VERSION,
