@@ -3,6 +3,7 @@
 #include "image_samples.h"
 #include "picture_fixture.h"
 
+#include <algorithm>
 #include <cstring>
 
 using namespace kzb_tests;
@@ -138,6 +139,15 @@ TEST_F(DamagedImageTest, PaddingBeforeTheEndOfAJpegIsNoDamage) {
     };
     EXPECT_EQ(padded(24), "");
     EXPECT_TRUE(holds(padded(1000), "the JPEG file is damaged"));
+}
+
+TEST_F(DamagedImageTest, StrayBytesBeforeARestartOfAJpegAreFound) {
+    JpegSample sample = smooth_jpeg(40, 30, JCS_RGB, JCS_YCbCr);
+    sample.restart_rows = 1;
+    auto bytes = jpeg_bytes(sample);
+    const uint8_t restart[] = {0xFF, 0xD0};
+    bytes.insert(std::search(bytes.begin(), bytes.end(), restart, restart + 2), 10, uint8_t{0});
+    EXPECT_TRUE(holds(failure(bytes), "the JPEG file is damaged"));
 }
 
 TEST_F(DamagedImageTest, HugeSizesInAPngHeaderAreRefused) {
