@@ -100,6 +100,8 @@ std::vector<uint8_t> file_bytes(const std::string &path) {
 }
 
 void write_bytes(const std::string &path, const std::vector<uint8_t> &bytes) {
+    // Some file systems write a file to the disk at once when it is truncated and written anew.
+    std::filesystem::remove(path);
     std::ofstream file(path, std::ios::binary);
     file.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
