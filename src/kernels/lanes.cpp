@@ -23,10 +23,12 @@ void change_lanes(uint8_t *bytes, size_t count, const Lanes &keep, const Lanes &
     });
 }
 
-void copy_lanes(uint8_t *__restrict target, const uint8_t *__restrict source, size_t count, const Lanes &keep) {
+void copy_lanes(uint8_t *__restrict target, const uint8_t *__restrict source, size_t count, const Lanes &keep,
+                const Lanes &flip) {
     const Lanes kept = keep;
+    const Lanes flipped = flip;
     for_each_lane(count, [&](size_t at, size_t lane) {
-        target[at] = static_cast<uint8_t>((target[at] & kept[lane]) | (source[at] & ~kept[lane]));
+        target[at] = static_cast<uint8_t>((target[at] & kept[lane]) | ((source[at] & ~kept[lane]) ^ flipped[lane]));
     });
 }
 
