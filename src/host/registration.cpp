@@ -1,6 +1,10 @@
 #include "host/registration.h"
 
+#include "filters/box_blur.h"
+#include "filters/fractional_blur.h"
+#include "filters/stamp.h"
 #include "filters/tone.h"
+#include "filters/unsharp.h"
 #include "geometry/copy.h"
 #include "geometry/fill.h"
 #include "geometry/views.h"
@@ -37,7 +41,7 @@ constexpr KZBFunction read_only = nullptr;
 template <Text declaration, auto function, auto setter = nullptr> MethodDefinition method(word flags = method_flags) {
     constexpr Signature declared = DeclarationReader(declaration.characters).read();
     static_assert(signature_of(function) == method_signature(declared), "the function does not fit its declaration");
-    if constexpr (setter != nullptr)
+    if constexpr (!std::is_null_pointer_v<decltype(setter)>)
         static_assert(signature_of(setter) == setter_signature(declared), "the setter does not fit its declaration");
     return {guarded<function>(), guarded<setter>(), declaration.characters, flags};
 }
@@ -241,8 +245,17 @@ MethodDefinition methods[] = {
     // Dithering
 
     // Effects
+    method<"StampFilter(dest as PictureKZB, radius as double, threshold as double, softness as double, "
+           "Black as Color, White as Color) as PictureKZB",
+           stamp_filter>(),
 
     // Blur and sharpen
+    method<"BoxBlurFilter(dest as PictureKZB, Radius as double) as PictureKZB", box_blur_filter>(),
+    method<"BoxBlurFilter(dest as PictureKZB, Radius as double, Iterations as integer) as PictureKZB",
+           box_blur_filter_repeated>(),
+    method<"BoxBlurFractionalFilter(dest as PictureKZB, Radius as double) as PictureKZB", box_blur_fractional_filter>(),
+    method<"UnsharpFilter(origpixels as PictureKZB, Amount as double, Threshold as integer) as boolean",
+           unsharp_filter>(),
 };
 
 MethodDefinition shared_methods[] = {
