@@ -1,9 +1,9 @@
 #include "geometry/copy.h"
 
 #include "geometry/rectangle.h"
-#include "image/mapped_store.h"
 #include "image/paced_image.h"
 #include "image/pixel_conversion.h"
+#include "image/row_window.h"
 
 #include <optional>
 
@@ -17,7 +17,7 @@ public:
     RowPairs(ImageRecord &image, ImageRecord &source) : image_(image), source_(&source) {
         same_file_ = image.IsMapping && source.IsMapping && image.storage_id == source.storage_id;
         // One record has one window, which two far rows would move to and fro.
-        if (&image == &source && same_file_) source_ = &window_.emplace(source).record();
+        if (&image == &source && same_file_) source_ = &window_.emplace(source).image();
     }
 
     // False when a row cannot be reached. The addresses are void at the next call.
@@ -35,7 +35,7 @@ public:
 private:
     ImageRecord &image_;
     ImageRecord *source_;
-    std::optional<SecondWindow> window_;
+    std::optional<RowWindow> window_;
     bool same_file_;
 };
 

@@ -75,6 +75,12 @@ void weigh_channels(uint8_t *target, const uint8_t *source, Conversion conversio
 
 } // namespace
 
+void copy_channel(uint8_t *target, size_t target_step, const uint8_t *source, size_t source_step, uint8_t flip,
+                  size_t count) {
+    for (; count != 0; --count, target += target_step, source += source_step)
+        *target = static_cast<uint8_t>(*source ^ flip);
+}
+
 void convert(uint8_t *target, const uint8_t *source, const Conversion &conversion, size_t count) {
     if (count == 0 || conversion.channels == 0 || convert_as_lanes(target, source, conversion, count)) return;
     if (conversion.to_gray)

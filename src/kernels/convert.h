@@ -12,6 +12,10 @@ inline uint8_t gray_from(uint8_t red, uint8_t green, uint8_t blue) {
     return static_cast<uint8_t>((77 * red + 151 * green + 28 * blue) >> 8);
 }
 
+// target[i] = source[i] ^ flip, for i below count, each walked by its own step.
+void copy_channel(uint8_t *target, size_t target_step, const uint8_t *source, size_t source_step, uint8_t flip,
+                  size_t count);
+
 // Where the channels of a row's pixels lie: bytes from pixel to pixel, and from the pixel's start to each channel.
 struct Placement {
     size_t step;

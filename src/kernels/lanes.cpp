@@ -18,6 +18,8 @@ void change_lanes(uint8_t *bytes, size_t count, const Lanes &keep, const Lanes &
     // Copies, which the bytes cannot alias.
     const Lanes kept = keep;
     const Lanes flipped = flip;
+    // Pages that are not read need not be fetched.
+    if (kept == Lanes{}) return for_each_lane(count, [&](size_t at, size_t lane) { bytes[at] = flipped[lane]; });
     for_each_lane(count, [&](size_t at, size_t lane) {
         bytes[at] = static_cast<uint8_t>((bytes[at] & kept[lane]) ^ flipped[lane]);
     });
