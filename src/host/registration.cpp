@@ -1,6 +1,8 @@
 #include "host/registration.h"
 
 #include "filters/tone.h"
+#include "geometry/scale.h"
+#include "geometry/scale_fast.h"
 #include "host/classes.h"
 #include "host/constants.h"
 #include "host/declaration.h"
@@ -147,6 +149,10 @@ MethodDefinition methods[] = {
     // Any angle
 
     // Scaling
+    method<"Scale(source as PictureKZB, temp as PictureKZB, mode as integer, width as integer, height as integer) as "
+           "boolean",
+           scale>(),
+    method<"ScaleFast(source as PictureKZB, width as integer, height as integer) as boolean", scale_fast>(),
 
     // Convolution
 
