@@ -90,7 +90,7 @@ TEST(Conversion, AllPairsOfLayoutsThroughBothContainersAndBothWays) {
     for (const Layout &of : layouts())
         for (const Layout &named : layouts())
             for (int32_t width : {1, 7, 33})
-                check_pair(*make_image(Storage::memory, width, 3, of.code, seed++), named, seed);
+                check_pair(*make_image(Storage::memory, width, 3, of.code, ++seed), named, 7);
 }
 
 TEST(Conversion, EveryStorage) {
@@ -99,7 +99,7 @@ TEST(Conversion, EveryStorage) {
         for (const Layout &of : layouts())
             for (int32_t named : {2, 13, 6, 19}) {
                 SCOPED_TRACE(name_of(storage));
-                if (const auto image = make_image(storage, 5, 4, of.code, seed++)) check_pair(*image, layout(named), seed);
+                if (const auto image = make_image(storage, 5, 4, of.code, ++seed)) check_pair(*image, layout(named), 7);
             }
     check_pair(make_tall_image(3, 9, 4), layout(12), 5);
 }
