@@ -7,6 +7,8 @@
 #include "filters/unsharp.h"
 #include "geometry/copy.h"
 #include "geometry/fill.h"
+#include "geometry/scale.h"
+#include "geometry/scale_fast.h"
 #include "geometry/views.h"
 #include "host/classes.h"
 #include "host/constants.h"
@@ -216,6 +218,10 @@ MethodDefinition methods[] = {
     // Any angle
 
     // Scaling
+    method<"Scale(source as PictureKZB, temp as PictureKZB, mode as integer, width as integer, height as integer) as "
+           "boolean",
+           scale>(),
+    method<"ScaleFast(source as PictureKZB, width as integer, height as integer) as boolean", scale_fast>(),
 
     // Convolution
 
