@@ -63,7 +63,7 @@ void open_oldest_grave() noexcept {
 
 } // namespace
 
-bool audit_add(const void *record, Tracked kind) noexcept {
+bool audit_add(void *record, Tracked kind) noexcept {
     try {
         living().emplace(record, kind);
         return true;
