@@ -13,7 +13,7 @@ namespace kzb {
 KZBString string_new(const void *bytes, size_t count, uint32_t encoding) noexcept {
     if (count > PTRDIFF_MAX - 1 || (!bytes && count > 0)) return nullptr;
     char *text = static_cast<char *>(std::malloc(count + 1));
-    void *memory = std::malloc(sizeof(KZBStringRecord));
+    void *memory = std::calloc(1, sizeof(KZBStringRecord));
     if (!text || !memory || !audit_add(memory, Tracked::string)) {
         std::free(text);
         std::free(memory);

@@ -11,6 +11,7 @@
 #include "image/lifecycle.h"
 #include "image/mapped_store.h"
 #include "interop/import_export.h"
+#include "rows/conversion.h"
 #include "rows/row_access.h"
 
 #include <cstddef>
@@ -116,6 +117,12 @@ MethodDefinition methods[] = {
     method<"Row(index as integer) as memoryblock", row, set_row>(),
 
     // Rows in any layout
+    method<"RowInFormat(index as integer, ImageFormat as integer) as memoryblock", row_in_format, set_row_in_format>(),
+    method<"RowInFormat(index as integer, ImageFormat as integer, InvertAlpha as boolean) as memoryblock",
+           row_in_format_inverting, set_row_in_format_inverting>(),
+    method<"RowStringInFormat(index as integer, ImageFormat as integer) as string", row_string_in_format,
+           set_row_string_in_format>(),
+    method<"DataStringInFormat(ImageFormat as integer) as string", data_string_in_format, set_data_string_in_format>(),
 
     // Host pictures
     picture_method<"Constructor(pic as picture, UseAlpha as boolean=false)", construct_on_picture>(),
