@@ -1,6 +1,13 @@
 #include "host/registration.h"
 
+#include "filters/box_blur.h"
+#include "filters/fractional_blur.h"
+#include "filters/stamp.h"
 #include "filters/tone.h"
+#include "filters/unsharp.h"
+#include "geometry/copy.h"
+#include "geometry/fill.h"
+#include "geometry/views.h"
 #include "host/classes.h"
 #include "host/constants.h"
 #include "host/declaration.h"
@@ -10,6 +17,7 @@
 #include "image/format.h"
 #include "image/lifecycle.h"
 #include "image/mapped_store.h"
+#include "interop/drawing.h"
 #include "interop/import_export.h"
 #include "rows/conversion.h"
 #include "rows/row_access.h"
@@ -33,7 +41,7 @@ constexpr KZBFunction read_only = nullptr;
 template <Text declaration, auto function, auto setter = nullptr> MethodDefinition method(word flags = method_flags) {
     constexpr Signature declared = DeclarationReader(declaration.characters).read();
     static_assert(signature_of(function) == method_signature(declared), "the function does not fit its declaration");
-    if constexpr (setter != nullptr)
+    if constexpr (!std::is_null_pointer_v<decltype(setter)>)
         static_assert(signature_of(setter) == setter_signature(declared), "the setter does not fit its declaration");
     return {guarded<function>(), guarded<setter>(), declaration.characters, flags};
 }
@@ -137,10 +145,71 @@ MethodDefinition methods[] = {
     picture_method<"CopyMask as picture", copy_mask>(),
 
     // Host pictures drawn into channels
+    picture_method<"DrawPictureRedToGrayChannel(pic as picture, DestX as integer, DestY as integer, "
+                   "DestWidth as integer, DestHeight as integer, SourceX as integer, SourceY as integer)",
+                   draw_picture_red_to_gray_from>(),
+    picture_method<"DrawPictureRedToGrayChannel(pic as picture, DestX as integer, DestY as integer, "
+                   "DestWidth as integer, DestHeight as integer)",
+                   draw_picture_red_to_gray>(),
+    picture_method<"DrawPictureGreenToGrayChannel(pic as picture, DestX as integer, DestY as integer, "
+                   "DestWidth as integer, DestHeight as integer, SourceX as integer, SourceY as integer)",
+                   draw_picture_green_to_gray_from>(),
+    picture_method<"DrawPictureGreenToGrayChannel(pic as picture, DestX as integer, DestY as integer, "
+                   "DestWidth as integer, DestHeight as integer)",
+                   draw_picture_green_to_gray>(),
+    picture_method<"DrawPictureBlueToGrayChannel(pic as picture, DestX as integer, DestY as integer, "
+                   "DestWidth as integer, DestHeight as integer, SourceX as integer, SourceY as integer)",
+                   draw_picture_blue_to_gray_from>(),
+    picture_method<"DrawPictureBlueToGrayChannel(pic as picture, DestX as integer, DestY as integer, "
+                   "DestWidth as integer, DestHeight as integer)",
+                   draw_picture_blue_to_gray>(),
+    picture_method<"DrawPictureRGB(pic as picture, DestX as integer, DestY as integer, DestWidth as integer, "
+                   "DestHeight as integer)",
+                   draw_picture_rgb>(),
+    picture_method<"DrawPictureRGB(pic as picture, DestX as integer, DestY as integer, DestWidth as integer, "
+                   "DestHeight as integer, SourceX as integer, SourceY as integer)",
+                   draw_picture_rgb_from>(),
 
     // Fill, clear and invert
+    method<"Invert", invert>(),
+    method<"Invert(x as integer, y as integer, w as integer, h as integer)", invert_rectangle>(),
+    method<"ClearRect", clear>(),
+    method<"ClearRect(x as integer, y as integer, width as integer, height as integer)", clear_rectangle>(),
+    method<"FillRect(value as integer)", fill>(),
+    method<"FillRect(x as integer, y as integer, width as integer, height as integer, value as integer)",
+           fill_rectangle>(),
+    method<"FillRectRGB(red as integer, green as integer, blue as integer)", fill_rgb>(),
+    method<"FillRectRGB(red as integer, green as integer, blue as integer, alpha as integer)", fill_rgba>(),
+    method<"FillRectRGB(x as integer, y as integer, width as integer, height as integer, red as integer, "
+           "green as integer, blue as integer)",
+           fill_rectangle_rgb>(),
+    method<"FillRectRGB(x as integer, y as integer, width as integer, height as integer, red as integer, "
+           "green as integer, blue as integer, alpha as integer)",
+           fill_rectangle_rgba>(),
+    method<"FillRectRGB(FillColor as color)", fill_color>(),
+    method<"FillRectRGB(FillColor as color, alpha as integer)", fill_color_with_alpha>(),
+    method<"FillRectRGB(x as integer, y as integer, width as integer, height as integer, FillColor as color)",
+           fill_rectangle_color>(),
+    method<"FillRectRGB(x as integer, y as integer, width as integer, height as integer, FillColor as color, "
+           "alpha as integer)",
+           fill_rectangle_color_with_alpha>(),
 
     // Copies and views
+    method<"AlphaChannel as PictureKZB", alpha_channel>(),
+    method<"RedChannel as PictureKZB", red_channel>(),
+    method<"GreenChannel as PictureKZB", green_channel>(),
+    method<"BlueChannel as PictureKZB", blue_channel>(),
+    method<"GrayChannel as PictureKZB", gray_channel>(),
+    method<"RGBChannels as PictureKZB", rgb_channels>(),
+    method<"Clone as PictureKZB", clone>(),
+    method<"CopyPixels(source as PictureKZB, DestX as integer, DestY as integer, DestWidth as integer, "
+           "DestHeight as integer, SourceX as integer, SourceY as integer)",
+           copy_pixels_rectangle>(),
+    method<"CopyPixels(source as PictureKZB, DestX as integer, DestY as integer, DestWidth as integer, "
+           "DestHeight as integer)",
+           copy_pixels_from_corner>(),
+    method<"CopyPixels(source as PictureKZB)", copy_pixels>(),
+    method<"ClipImage(x as integer, y as integer, width as integer, height as integer) as PictureKZB", clip_image>(),
 
     // Mirrors and turns
 
@@ -176,8 +245,17 @@ MethodDefinition methods[] = {
     // Dithering
 
     // Effects
+    method<"StampFilter(dest as PictureKZB, radius as double, threshold as double, softness as double, "
+           "Black as Color, White as Color) as PictureKZB",
+           stamp_filter>(),
 
     // Blur and sharpen
+    method<"BoxBlurFilter(dest as PictureKZB, Radius as double) as PictureKZB", box_blur_filter>(),
+    method<"BoxBlurFilter(dest as PictureKZB, Radius as double, Iterations as integer) as PictureKZB",
+           box_blur_filter_repeated>(),
+    method<"BoxBlurFractionalFilter(dest as PictureKZB, Radius as double) as PictureKZB", box_blur_fractional_filter>(),
+    method<"UnsharpFilter(origpixels as PictureKZB, Amount as double, Threshold as integer) as boolean",
+           unsharp_filter>(),
 };
 
 MethodDefinition shared_methods[] = {

@@ -44,17 +44,16 @@ protected:
         announced = 0;
         const std::string copy = scratch_path() + ".so";
         std::filesystem::copy_file(KZB_TEST_MODULE, copy);
-        library_ = dlopen(copy.c_str(), RTLD_NOW | RTLD_LOCAL);
-        ASSERT_NE(library_, nullptr) << dlerror();
-        start_ = reinterpret_cast<REALPluginMainFunction *>(dlsym(library_, "REALPluginMain"));
+        // Kept loaded: a module's records are the host's for the life of the process.
+        void *library = dlopen(copy.c_str(), RTLD_NOW | RTLD_LOCAL);
+        ASSERT_NE(library, nullptr) << dlerror();
+        start_ = reinterpret_cast<REALPluginMainFunction *>(dlsym(library, "REALPluginMain"));
         ASSERT_NE(start_, nullptr);
     }
-    void TearDown() override { dlclose(library_); }
 
     int32_t start() { return start_(resolver); }
 
 private:
-    void *library_ = nullptr;
     REALPluginMainFunction *start_ = nullptr;
 };
 

@@ -113,6 +113,21 @@ TEST_F(ImageReadingTest, AWidePngIsRead) {
     expect_png(random_png(1000001, 1, PNG_COLOR_TYPE_GRAY, 1, false, false, random));
 }
 
+TEST_F(ImageReadingTest, WhatIsNotThePixelsIsPassedOver) {
+    std::mt19937 random(7);
+    const PngSample sample = random_png(5, 5, PNG_COLOR_TYPE_GRAY, 8, false, true, random);
+    auto bytes = png_bytes(sample);
+    const PictureOwner plain = read(bytes);
+    std::vector<uint8_t> large(9000000, 'x');
+    large[1] = 0;
+    for (const char *type : {"tEXt", "iCCP", "kzBx"}) insert_chunk(bytes, type, large);
+    insert_chunk(bytes, "gAMA", {0, 0, 0, 100});
+    insert_chunk(bytes, "sBIT", {1});
+    const PictureOwner picture = read(bytes), mask(kzb_picture_mask(picture.get()));
+    EXPECT_EQ(pixels_of(*kzb_picture_world(picture.get())), pixels_of(*kzb_picture_world(plain.get())));
+    EXPECT_TRUE(mask);
+}
+
 TEST_F(ImageReadingTest, JpegsOfColourAndGrayComeOutRight) {
     for (const auto &[width, height] : {std::pair{1, 1}, {7, 5}, {64, 48}, {101, 77}}) {
         SCOPED_TRACE(testing::Message() << width << " x " << height);

@@ -38,6 +38,9 @@ std::array<uint8_t, 4> expected_pixel(const PngSample &sample, int x, int y);
 // Replaces the size in a PNG file's header, its check sum included.
 void set_png_size(std::vector<uint8_t> &bytes, uint32_t width, uint32_t height);
 
+// Puts a chunk after a PNG file's header.
+void insert_chunk(std::vector<uint8_t> &bytes, const char *type, const std::vector<uint8_t> &data);
+
 struct JpegSample {
     int width, height;
     J_COLOR_SPACE given, stored;

@@ -198,20 +198,24 @@ TEST_F(ImageWritingTest, AFolderIsNotReplaced) {
 }
 
 TEST_F(ImageWritingTest, AFullDiskLeavesTheOldFileAndNothingElse) {
-    const PictureOwner picture = random_picture(300, 300);
+    const PictureOwner pictures[] = {random_picture(300, 300), random_picture(8, 8)};
     rlimit limit;
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const auto expect_failure = [&](const char *name, const PictureOwner &picture, rlim_t most_bytes) {
+        write_bytes(path(name), {1, 2, 3});
+        const rlimit small{most_bytes, limit.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+        const std::string line = failure(picture, path(name), KZB_ERROR_OUTPUT);
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        EXPECT_EQ(line, path(name) + ": cannot be written: File too large") << most_bytes;
+        EXPECT_EQ(file_bytes(path(name)), (std::vector<uint8_t>{1, 2, 3}));
+    };
     for (const char *name : {"a.png", "a.jpg"}) {
-        for (const rlim_t bytes : {rlim_t{0}, rlim_t{10}, rlim_t{20000}}) {
-            write_bytes(path(name), {1, 2, 3});
-            const rlimit small{bytes, limit.rlim_max};
-            ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-            const std::string line = failure(picture, path(name), KZB_ERROR_OUTPUT);
-            ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-            EXPECT_EQ(line, path(name) + ": cannot be written: File too large") << bytes;
-            EXPECT_EQ(file_bytes(path(name)), (std::vector<uint8_t>{1, 2, 3}));
+        for (const PictureOwner &picture : pictures) {
+            for (const rlim_t most_bytes : {0, 10}) expect_failure(name, picture, most_bytes);
         }
+        expect_failure(name, pictures[0], 20000);
     }
     std::signal(SIGXFSZ, handler);
     EXPECT_EQ(names(), (std::vector<std::string>{"a.jpg", "a.png"}));
