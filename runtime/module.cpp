@@ -17,6 +17,8 @@ struct kzb_module {
     void *library = nullptr;
     std::vector<std::unique_ptr<kzb::ModuleClass>> classes;
 
+    std::unique_ptr<kzb_module> next_kept;
+
     // While REALPluginMain runs.
     int32_t announced_version = 0;
     kzb_error mistake = {}; // the first, if its status says so
@@ -30,6 +32,12 @@ namespace {
 std::vector<std::unique_ptr<kzb_module>> &modules() {
     static auto &all = *new std::vector<std::unique_ptr<kzb_module>>;
     return all;
+}
+
+// Forgotten but still in memory. Never destroyed, too.
+std::unique_ptr<kzb_module> &kept_modules() {
+    static auto &first = *new std::unique_ptr<kzb_module>;
+    return first;
 }
 
 kzb_module *starting = nullptr; // whose REALPluginMain runs
@@ -130,7 +138,8 @@ void forget(std::unique_ptr<kzb_module> module) noexcept {
         if (size_t alive = live_objects(*type)) {
             misuse("%s was unloaded while %zu objects of its class %s are alive", module->path.c_str(), alive,
                    type->name);
-            module.release(); // its destructors are still needed
+            module->next_kept = std::move(kept_modules()); // its destructors are still needed
+            kept_modules() = std::move(module);
             return;
         }
     if (module->library) dlclose(module->library);
