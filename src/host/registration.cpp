@@ -1,6 +1,9 @@
 #include "host/registration.h"
 
 #include "filters/tone.h"
+#include "geometry/mirror.h"
+#include "geometry/quarter_turn.h"
+#include "geometry/rotate.h"
 #include "host/classes.h"
 #include "host/constants.h"
 #include "host/declaration.h"
@@ -143,8 +146,19 @@ MethodDefinition methods[] = {
     // Copies and views
 
     // Mirrors and turns
+    method<"HMirror", h_mirror>(),
+    method<"VMirror", v_mirror>(),
+    method<"Rotate180", rotate_180_in_place>(),
+    method<"Rotate90slow(dest as PictureKZB=nil) as PictureKZB", rotate_90_slow>(),
+    method<"Rotate180(dest as PictureKZB=nil) as PictureKZB", rotate_180>(),
+    method<"Rotate270slow(dest as PictureKZB=nil) as PictureKZB", rotate_270_slow>(),
+    method<"Rotate90(dest as PictureKZB=nil) as PictureKZB", rotate_90>(),
+    method<"Rotate270(dest as PictureKZB=nil) as PictureKZB", rotate_270>(),
 
     // Any angle
+    method<"Rotate(angle as double, Red as integer, Green as integer, Blue as integer, Alpha as integer, "
+           "Gray as integer) as PictureKZB",
+           rotate>(),
 
     // Scaling
 
