@@ -16,7 +16,7 @@ struct ObjectClass;
 enum class Tracked : uint8_t { object, string };
 
 // Notes a new record; false when out of memory.
-bool audit_add(const void *record, Tracked kind) noexcept;
+bool audit_add(void *record, Tracked kind) noexcept;
 
 // Whether the record is alive.
 bool audit_is_alive(const void *record, Tracked kind) noexcept;

@@ -211,7 +211,7 @@ void draw_world(GWorld &to, Rectangle target, const GWorld &from, const GWorld *
     const bool same_size = target.width == source.width && target.height == source.height;
     WorldOwner copy, mask_copy;
     if (!same_size && from.base_address == to.base_address) copy = copy_of(from);
-    if (mask && mask->base_address == to.base_address) mask_copy = copy_of(*mask);
+    if (!same_size && mask && mask->base_address == to.base_address) mask_copy = copy_of(*mask);
     const GWorld &from_world = copy ? *copy : from;
     const GWorld *mask_world = mask_copy ? mask_copy.get() : mask;
     if (same_size) {

@@ -81,7 +81,7 @@ std::string absolute(const char *path) {
     if (error) return {};
     std::string result;
     for (const std::filesystem::path &part : whole.relative_path())
-        if (!part.empty() && part != ".") (result += "/") += part.string();
+        if (!part.empty() && part != ".") result.append(1, '/').append(part.native());
     return result.empty() ? "/" : result;
 }
 

@@ -50,13 +50,13 @@ bool ImageReading::fail_decoding(const char *reason) {
 
 bool ImageReading::make_worlds(uint64_t width, uint64_t height, bool alpha, ImageWorlds &worlds) {
     const std::string size = size_text(width, height);
+    const bool fits = width <= INT32_MAX && height <= INT32_MAX;
+    if (!fits || world_row_bytes(static_cast<int32_t>(width), static_cast<int32_t>(height), 32) == 0) {
+        return fail(KZB_ERROR_INPUT, "the picture is too large for this program: " + size + "; make it smaller");
+    }
     if (width * height > max_pixels) {
         return fail(KZB_ERROR_INPUT, "the picture is too large: " + size + ", and the limit is " +
                                          std::to_string(max_pixels) + " pixels; make it smaller or raise the limit");
-    }
-    const bool fits = width <= INT32_MAX && height <= INT32_MAX;
-    if (!fits || world_row_bytes(static_cast<int32_t>(width), static_cast<int32_t>(height), 32) == 0) {
-        return fail(KZB_ERROR_INPUT, "the picture is too large to be held: " + size + "; make it smaller");
     }
     worlds.picture = make_world(static_cast<int32_t>(width), static_cast<int32_t>(height), 32);
     if (alpha) worlds.mask = make_world(static_cast<int32_t>(width), static_cast<int32_t>(height), 32);

@@ -53,6 +53,8 @@ void read_bytes(png_structp png, png_bytep bytes, size_t count) {
 bool read_header(PngReading &work, bool &alpha, uint64_t &stored_row_bytes) {
     if (setjmp(png_jmpbuf(work.png))) return false;
     png_set_user_limits(work.png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+    // All that is not needed for the pixels is passed over, whatever its size.
+    png_set_keep_unknown_chunks(work.png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
     png_set_crc_action(work.png, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
     png_read_info(work.png, work.info);
     stored_row_bytes = png_get_rowbytes(work.png, work.info);

@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace kzb {
@@ -24,11 +23,6 @@ int create_beside(const std::string &path, std::string &temporary) {
 } // namespace
 
 OutputFile::OutputFile(const char *path) : name(path) {
-    struct stat status;
-    if (stat(path, &status) == 0 && S_ISDIR(status.st_mode)) {
-        failure = EISDIR;
-        return;
-    }
     const int descriptor = create_beside(name, temporary);
     if (descriptor < 0) {
         failure = errno;

@@ -199,8 +199,10 @@ KZB_API KZBPicture kzb_picture_new(int32_t width, int32_t height, int32_t depth)
 /* The world that holds a picture's pixels, which stays the picture's and is valid as long as it; nil for nil. */
 KZB_API GWorldPtr kzb_picture_world(KZBPicture picture);
 
-/* A picture's mask, or nil; a mask's gray level 255 is opaque, 0 transparent. kzb_picture_set_mask draws nothing: it
- * makes `mask` the picture's mask (nil: none). */
+/* A picture's mask, or nil; a mask's gray level 255 is opaque, 0 transparent. A mask may have any depth and size: beyond
+ * its edges the picture is opaque. One that a module asks for where there is none is of depth 32, as large as the
+ * picture and white. kzb_picture_set_mask draws nothing: it makes `mask` the picture's mask (nil: none); a mask that
+ * has the picture itself as its mask is refused as misuse. */
 KZB_API KZBPicture kzb_picture_mask(KZBPicture picture);
 KZB_API void kzb_picture_set_mask(KZBPicture picture, KZBPicture mask);
 

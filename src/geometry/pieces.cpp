@@ -1,5 +1,7 @@
 #include "geometry/pieces.h"
 
+#include "image/packed_rows.h"
+
 #include <algorithm>
 
 namespace kzb {
@@ -14,13 +16,6 @@ bool side_by_side(const ChannelOffsets &offsets, int32_t first, size_t count) {
         bytes |= 1u << (offsets[i] - first);
     }
     return bytes == (1u << count) - 1;
-}
-
-// Rows that a caller laid closer together than their pixels share bytes.
-bool rows_lie_apart(const ImageRecord &image, const Channels &channels, int64_t width) {
-    const ChannelOffsets offsets = offsets_of(image, channels);
-    const auto [low, high] = std::minmax_element(offsets.begin(), offsets.begin() + channels.size());
-    return channels.size() == 0 || (width - 1) * image.PixelSize + *high - *low < image.RowSize;
 }
 
 } // namespace
@@ -39,7 +34,7 @@ Pieces pieces_of(const ImageRecord &source, const ImageRecord &destination, cons
 }
 
 bool any_order_serves(const ImageRecord &source, const ImageRecord &destination, const Channels &channels,
-                      int64_t width, int64_t height) {
+                      int32_t width, int32_t height) {
     return rows_may_run(source, destination, channels, width, height) &&
            sharing_of(source, destination, channels) == Sharing::none && rows_lie_apart(destination, channels, width);
 }

@@ -22,6 +22,6 @@ Pieces pieces_of(const ImageRecord &source, const ImageRecord &destination, cons
 // Whether the channels of width × height pixels may be written to the destination in any order: it holds them, writes
 // none of their bytes twice, and shares no byte with the source.
 bool any_order_serves(const ImageRecord &source, const ImageRecord &destination, const Channels &channels,
-                      int64_t width, int64_t height);
+                      int32_t width, int32_t height);
 
 } // namespace kzb

@@ -299,7 +299,7 @@ void ColumnSkewer::write_run(const uint8_t *lanes, int32_t y, int64_t first, con
 }
 
 // Whether lines may be skewed other than one by one: they are written to width × height pixels of the destination.
-bool lines_may_run(const Skew &skew, int64_t width, int64_t height) {
+bool lines_may_run(const Skew &skew, int32_t width, int32_t height) {
     return skew.source.Width > 0 && skew.source.Height > 0 && width > 0 && height > 0 &&
            any_order_serves(skew.source, skew.destination, skew.channels, width, height);
 }

@@ -3,6 +3,8 @@
 
 #include "host/values.h"
 
+#include <type_traits>
+
 namespace kzb {
 
 template <auto function> struct Guarded;
@@ -20,7 +22,7 @@ template <class Result, class... Parameters, Result (*function)(Parameters...)> 
 
 // The address that a registration record holds; nil for no function.
 template <auto function> KZBFunction guarded() {
-    if constexpr (function == nullptr)
+    if constexpr (std::is_null_pointer_v<decltype(function)>)
         return nullptr;
     else
         return reinterpret_cast<KZBFunction>(&Guarded<function>::call);

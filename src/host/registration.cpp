@@ -1,9 +1,24 @@
 #include "host/registration.h"
 
+#include "filters/box_blur.h"
+#include "filters/convolution.h"
+#include "filters/diffuse.h"
+#include "filters/dither.h"
+#include "filters/engrave.h"
+#include "filters/fractional_blur.h"
+#include "filters/neon.h"
+#include "filters/oil.h"
+#include "filters/stamp.h"
 #include "filters/tone.h"
+#include "filters/unsharp.h"
+#include "geometry/copy.h"
+#include "geometry/fill.h"
 #include "geometry/mirror.h"
 #include "geometry/quarter_turn.h"
 #include "geometry/rotate.h"
+#include "geometry/scale.h"
+#include "geometry/scale_fast.h"
+#include "geometry/views.h"
 #include "host/classes.h"
 #include "host/constants.h"
 #include "host/declaration.h"
@@ -13,6 +28,7 @@
 #include "image/format.h"
 #include "image/lifecycle.h"
 #include "image/mapped_store.h"
+#include "interop/drawing.h"
 #include "interop/import_export.h"
 #include "rows/conversion.h"
 #include "rows/row_access.h"
@@ -36,7 +52,7 @@ constexpr KZBFunction read_only = nullptr;
 template <Text declaration, auto function, auto setter = nullptr> MethodDefinition method(word flags = method_flags) {
     constexpr Signature declared = DeclarationReader(declaration.characters).read();
     static_assert(signature_of(function) == method_signature(declared), "the function does not fit its declaration");
-    if constexpr (setter != nullptr)
+    if constexpr (!std::is_null_pointer_v<decltype(setter)>)
         static_assert(signature_of(setter) == setter_signature(declared), "the setter does not fit its declaration");
     return {guarded<function>(), guarded<setter>(), declaration.characters, flags};
 }
@@ -140,10 +156,71 @@ MethodDefinition methods[] = {
     picture_method<"CopyMask as picture", copy_mask>(),
 
     // Host pictures drawn into channels
+    picture_method<"DrawPictureRedToGrayChannel(pic as picture, DestX as integer, DestY as integer, "
+                   "DestWidth as integer, DestHeight as integer, SourceX as integer, SourceY as integer)",
+                   draw_picture_red_to_gray_from>(),
+    picture_method<"DrawPictureRedToGrayChannel(pic as picture, DestX as integer, DestY as integer, "
+                   "DestWidth as integer, DestHeight as integer)",
+                   draw_picture_red_to_gray>(),
+    picture_method<"DrawPictureGreenToGrayChannel(pic as picture, DestX as integer, DestY as integer, "
+                   "DestWidth as integer, DestHeight as integer, SourceX as integer, SourceY as integer)",
+                   draw_picture_green_to_gray_from>(),
+    picture_method<"DrawPictureGreenToGrayChannel(pic as picture, DestX as integer, DestY as integer, "
+                   "DestWidth as integer, DestHeight as integer)",
+                   draw_picture_green_to_gray>(),
+    picture_method<"DrawPictureBlueToGrayChannel(pic as picture, DestX as integer, DestY as integer, "
+                   "DestWidth as integer, DestHeight as integer, SourceX as integer, SourceY as integer)",
+                   draw_picture_blue_to_gray_from>(),
+    picture_method<"DrawPictureBlueToGrayChannel(pic as picture, DestX as integer, DestY as integer, "
+                   "DestWidth as integer, DestHeight as integer)",
+                   draw_picture_blue_to_gray>(),
+    picture_method<"DrawPictureRGB(pic as picture, DestX as integer, DestY as integer, DestWidth as integer, "
+                   "DestHeight as integer)",
+                   draw_picture_rgb>(),
+    picture_method<"DrawPictureRGB(pic as picture, DestX as integer, DestY as integer, DestWidth as integer, "
+                   "DestHeight as integer, SourceX as integer, SourceY as integer)",
+                   draw_picture_rgb_from>(),
 
     // Fill, clear and invert
+    method<"Invert", invert>(),
+    method<"Invert(x as integer, y as integer, w as integer, h as integer)", invert_rectangle>(),
+    method<"ClearRect", clear>(),
+    method<"ClearRect(x as integer, y as integer, width as integer, height as integer)", clear_rectangle>(),
+    method<"FillRect(value as integer)", fill>(),
+    method<"FillRect(x as integer, y as integer, width as integer, height as integer, value as integer)",
+           fill_rectangle>(),
+    method<"FillRectRGB(red as integer, green as integer, blue as integer)", fill_rgb>(),
+    method<"FillRectRGB(red as integer, green as integer, blue as integer, alpha as integer)", fill_rgba>(),
+    method<"FillRectRGB(x as integer, y as integer, width as integer, height as integer, red as integer, "
+           "green as integer, blue as integer)",
+           fill_rectangle_rgb>(),
+    method<"FillRectRGB(x as integer, y as integer, width as integer, height as integer, red as integer, "
+           "green as integer, blue as integer, alpha as integer)",
+           fill_rectangle_rgba>(),
+    method<"FillRectRGB(FillColor as color)", fill_color>(),
+    method<"FillRectRGB(FillColor as color, alpha as integer)", fill_color_with_alpha>(),
+    method<"FillRectRGB(x as integer, y as integer, width as integer, height as integer, FillColor as color)",
+           fill_rectangle_color>(),
+    method<"FillRectRGB(x as integer, y as integer, width as integer, height as integer, FillColor as color, "
+           "alpha as integer)",
+           fill_rectangle_color_with_alpha>(),
 
     // Copies and views
+    method<"AlphaChannel as PictureKZB", alpha_channel>(),
+    method<"RedChannel as PictureKZB", red_channel>(),
+    method<"GreenChannel as PictureKZB", green_channel>(),
+    method<"BlueChannel as PictureKZB", blue_channel>(),
+    method<"GrayChannel as PictureKZB", gray_channel>(),
+    method<"RGBChannels as PictureKZB", rgb_channels>(),
+    method<"Clone as PictureKZB", clone>(),
+    method<"CopyPixels(source as PictureKZB, DestX as integer, DestY as integer, DestWidth as integer, "
+           "DestHeight as integer, SourceX as integer, SourceY as integer)",
+           copy_pixels_rectangle>(),
+    method<"CopyPixels(source as PictureKZB, DestX as integer, DestY as integer, DestWidth as integer, "
+           "DestHeight as integer)",
+           copy_pixels_from_corner>(),
+    method<"CopyPixels(source as PictureKZB)", copy_pixels>(),
+    method<"ClipImage(x as integer, y as integer, width as integer, height as integer) as PictureKZB", clip_image>(),
 
     // Mirrors and turns
     method<"HMirror", h_mirror>(),
@@ -161,8 +238,18 @@ MethodDefinition methods[] = {
            rotate>(),
 
     // Scaling
+    method<"Scale(source as PictureKZB, temp as PictureKZB, mode as integer, width as integer, height as integer) as "
+           "boolean",
+           scale>(),
+    method<"ScaleFast(source as PictureKZB, width as integer, height as integer) as boolean", scale_fast>(),
 
     // Convolution
+    method<"ApplyMatrix(dest as PictureKZB, matrix() as integer) as PictureKZB", apply_matrix>(),
+    method<"ApplyMatrix(dest as PictureKZB, matrix() as integer, delta as integer) as PictureKZB",
+           apply_matrix_delta>(),
+    method<"ApplyMatrix(dest as PictureKZB, matrix() as integer, delta as integer, ScaleFactor as double) as "
+           "PictureKZB",
+           apply_matrix_delta_scale>(),
 
     // Tone
     method<"SolarizeFilter(dest as PictureKZB) as PictureKZB", solarize_filter>(),
@@ -188,10 +275,24 @@ MethodDefinition methods[] = {
     method<"AutoLevel(x as integer, y as integer, w as integer, h as integer) as boolean", auto_level_rectangle>(),
 
     // Dithering
+    method<"DitherFilter(dest as PictureKZB, matrix as integer, levels as integer) as PictureKZB", dither_filter>(),
 
     // Effects
+    method<"OilFilter(dest as PictureKZB, levels as integer, range as integer) as PictureKZB", oil_filter>(),
+    method<"DiffuseFilter(dest as PictureKZB, level as integer) as PictureKZB", diffuse_filter>(),
+    method<"EngraveFilter(dest as PictureKZB, level as integer) as PictureKZB", engrave_filter>(),
+    method<"NeonFilter(dest as PictureKZB) as PictureKZB", neon_filter>(),
+    method<"StampFilter(dest as PictureKZB, radius as double, threshold as double, softness as double, "
+           "Black as Color, White as Color) as PictureKZB",
+           stamp_filter>(),
 
     // Blur and sharpen
+    method<"BoxBlurFilter(dest as PictureKZB, Radius as double) as PictureKZB", box_blur_filter>(),
+    method<"BoxBlurFilter(dest as PictureKZB, Radius as double, Iterations as integer) as PictureKZB",
+           box_blur_filter_repeated>(),
+    method<"BoxBlurFractionalFilter(dest as PictureKZB, Radius as double) as PictureKZB", box_blur_fractional_filter>(),
+    method<"UnsharpFilter(origpixels as PictureKZB, Amount as double, Threshold as integer) as boolean",
+           unsharp_filter>(),
 };
 
 MethodDefinition shared_methods[] = {

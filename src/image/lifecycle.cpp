@@ -21,7 +21,8 @@ uint8_t *memory_row(ImageRecord &image, int32_t row) {
 }
 
 void begin_construction(ImageRecord &image) {
-    if (image.storage_id != 0) close_record(image);
+    // A view of an image without storage has none either, but a parent.
+    if (image.storage_id != 0 || image.Parent != nullptr) close_record(image);
     image.Valid = 0;
     image.IsMapping = 0;
     image.delete_backing_file = 0;
@@ -29,6 +30,7 @@ void begin_construction(ImageRecord &image) {
     image.rows_per_block = 0;
     image.RowOffset = 0;
     image.TotalSize = 0;
+    image.original_total_size = 0;
 }
 
 void construct_in_memory(ImageObject object, int32_t width, int32_t height, int32_t image_format) {
@@ -97,6 +99,9 @@ MemoryBlock image_memory(ImageObject object, word) {
     return PtrToMemoryBlock(storage_present(image) ? image.pixel_buffer : nullptr);
 }
 
-int64_t image_total_size(ImageObject object, word) { return record_of(object)->TotalSize; }
+int64_t image_total_size(ImageObject object, word) {
+    const ImageRecord &image = *record_of(object);
+    return image.original_total_size != 0 ? image.original_total_size : image.TotalSize;
+}
 
 } // namespace kzb

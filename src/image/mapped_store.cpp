@@ -31,9 +31,14 @@ int64_t mapping_block_size(int64_t wish, int64_t row_size, int64_t total_size) {
     return whole_pages(std::max(block, fewest_rows_per_block * row_size));
 }
 
-// Opens the file for one image alone; -1 when that fails.
+// Opens the file for one image alone; -1 when that fails. Never descriptor 0, which an image that is closed twice
+// truncates and closes.
 int open_scratch_file(const char *path) {
-    const int descriptor = open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, S_IRUSR | S_IWUSR);
+    int descriptor = open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, S_IRUSR | S_IWUSR);
+    if (descriptor == 0) {
+        descriptor = fcntl(0, F_DUPFD_CLOEXEC, 1);
+        close(0);
+    }
     if (descriptor < 0) return -1;
     struct stat status = {};
     // Truncating a file that another image has mapped would take its pages away. A file system without locks is used

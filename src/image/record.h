@@ -69,6 +69,10 @@ struct ImageRecord {
     // Tells one storage from every other, also from a later one of the same image: set when storage is, shared with
     // views, 0 after Close.
     uint64_t storage_id;
+
+    // What TotalSize reads in a clone and its views: that of the image it was made from, which for a view was more than
+    // the clone's own storage. 0 in all other images.
+    int64_t original_total_size;
 };
 
 static_assert(std::is_trivial_v<ImageRecord> && std::is_standard_layout_v<ImageRecord>);

@@ -7,4 +7,9 @@ void look_up(uint8_t *target, size_t target_step, const uint8_t *source, size_t 
     for (; count != 0; --count, target += target_step, source += source_step) *target = table[*source];
 }
 
+void look_up_pairs(uint8_t *target, size_t target_step, const uint8_t *source, size_t source_step, const uint8_t *table,
+                   size_t count) {
+    for (; count != 0; --count, target += target_step, source += source_step) *target = table[*target * 256 + *source];
+}
+
 } // namespace kzb::kernels

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstring>
 
-using namespace kzb_tests;
+using namespace kzb_test;
 
 namespace {
 
@@ -284,18 +284,34 @@ TEST_F(DrawingTest, APictureCanBeDrawnIntoItself) {
     }
 }
 
-TEST_F(DrawingTest, APictureCanBeDrawnIntoItsMask) {
+TEST_F(DrawingTest, ALargePictureCanBeScaledIntoItself) {
     std::mt19937 random(10);
-    const PictureOwner picture = random_picture(12, 12, 32, random), mask = random_picture(12, 12, 32, random);
-    kzb_picture_set_mask(picture.get(), mask.get());
-    const Box box{2, 3, 8, 8}, source{0, 0, 8, 8};
-    const auto expected = copied(world_of(mask), world_of(picture), &world_of(mask), box, source);
-    draw(mask.get(), picture.get(), box, source);
-    EXPECT_EQ(pixels_of(world_of(mask)), expected);
+    const PictureOwner picture = random_picture(2500, 3, 32, random), original = make_picture(2500, 3);
+    const PictureOwner expected = make_picture(2500, 3);
+    draw(original.get(), picture.get(), {0, 0, 2500, 3}, {0, 0, 2500, 3});
+    draw(expected.get(), original.get(), {0, 0, 2500, 3}, {0, 0, 1250, 3});
+    draw(picture.get(), picture.get(), {0, 0, 2500, 3}, {0, 0, 1250, 3});
+    EXPECT_EQ(pixels_of(world_of(picture)), pixels_of(world_of(expected)));
+}
+
+TEST_F(DrawingTest, APictureCanBeDrawnIntoItsMask) {
+    std::mt19937 random(11);
+    for (const Box &target : {Box{2, 3, 2500, 8}, {2, 1, 2500, 8}, {0, 0, 2800, 10}}) {
+        const PictureOwner picture = random_picture(2600, 12, 32, random), mask = random_picture(2600, 12, 32, random);
+        const PictureOwner unchanged = make_picture(2600, 12), expected = make_picture(2600, 12);
+        for (const PictureOwner *copy : {&unchanged, &expected}) {
+            draw(copy->get(), mask.get(), {0, 0, 2600, 12}, {0, 0, 2600, 12});
+        }
+        kzb_picture_set_mask(picture.get(), unchanged.get());
+        draw(expected.get(), picture.get(), target, {1, 2, 2500, 8});
+        kzb_picture_set_mask(picture.get(), mask.get());
+        draw(mask.get(), picture.get(), target, {1, 2, 2500, 8});
+        EXPECT_EQ(pixels_of(world_of(mask)), pixels_of(world_of(expected))) << testing::PrintToString(target);
+    }
 }
 
 TEST_F(DrawingTest, WorldsOfAnyAlignmentAreDrawnAlike) {
-    std::mt19937 random(11);
+    std::mt19937 random(12);
     const PictureOwner plain = random_picture(20, 10, 32, random), expected = make_picture(33, 33);
     const PictureOwner actual = make_picture(33, 33);
     std::vector<uint8_t> bytes(87 * 10 + 3);

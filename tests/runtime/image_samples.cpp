@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace kzb_tests {
+namespace kzb_test {
 
 namespace {
 
@@ -50,6 +50,16 @@ uint8_t to_byte(uint16_t value, int depth) {
 
 void put_number(uint8_t *bytes, uint32_t value) {
     for (int i = 0; i < 4; ++i) bytes[i] = static_cast<uint8_t>(value >> (24 - 8 * i));
+}
+
+// A PNG chunk's check sum, over its type and data.
+uint32_t check_sum(const uint8_t *first, const uint8_t *last) {
+    uint32_t rest = 0xFFFFFFFF;
+    for (; first < last; ++first) {
+        rest ^= *first;
+        for (int bit = 0; bit < 8; ++bit) rest = rest >> 1 ^ (rest & 1 ? 0xEDB88320u : 0u);
+    }
+    return ~rest;
 }
 
 } // namespace
@@ -121,12 +131,18 @@ void set_png_size(std::vector<uint8_t> &bytes, uint32_t width, uint32_t height) 
     constexpr size_t type = 12, data = 16, sum = 29; // of the header chunk, which is the first
     put_number(&bytes[data], width);
     put_number(&bytes[data + 4], height);
-    uint32_t rest = 0xFFFFFFFF;
-    for (size_t i = type; i < sum; ++i) {
-        rest ^= bytes[i];
-        for (int bit = 0; bit < 8; ++bit) rest = rest >> 1 ^ (rest & 1 ? 0xEDB88320u : 0u);
-    }
-    put_number(&bytes[sum], ~rest);
+    put_number(&bytes[sum], check_sum(&bytes[type], &bytes[sum]));
+}
+
+void insert_chunk(std::vector<uint8_t> &bytes, const char *type, const std::vector<uint8_t> &data) {
+    std::vector<uint8_t> chunk(4);
+    put_number(chunk.data(), static_cast<uint32_t>(data.size()));
+    chunk.insert(chunk.end(), type, type + 4);
+    chunk.insert(chunk.end(), data.begin(), data.end());
+    const uint32_t sum = check_sum(chunk.data() + 4, chunk.data() + chunk.size());
+    chunk.resize(chunk.size() + 4);
+    put_number(chunk.data() + chunk.size() - 4, sum);
+    bytes.insert(bytes.begin() + 33, chunk.begin(), chunk.end());
 }
 
 std::array<uint8_t, 3> smooth_pixel(int x, int y, int width, int height) {
@@ -202,4 +218,4 @@ void set_jpeg_size(std::vector<uint8_t> &bytes, uint16_t width, uint16_t height)
     bytes[at + 8] = static_cast<uint8_t>(width);
 }
 
-} // namespace kzb_tests
+} // namespace kzb_test

@@ -11,7 +11,7 @@
 #include <jpeglib.h>
 #include <png.h>
 
-namespace kzb_tests {
+namespace kzb_test {
 
 struct PngSample {
     int width, height;
@@ -38,6 +38,9 @@ std::array<uint8_t, 4> expected_pixel(const PngSample &sample, int x, int y);
 // Replaces the size in a PNG file's header, its check sum included.
 void set_png_size(std::vector<uint8_t> &bytes, uint32_t width, uint32_t height);
 
+// Puts a chunk after a PNG file's header.
+void insert_chunk(std::vector<uint8_t> &bytes, const char *type, const std::vector<uint8_t> &data);
+
 struct JpegSample {
     int width, height;
     J_COLOR_SPACE given, stored;
@@ -57,6 +60,6 @@ std::vector<uint8_t> jpeg_bytes(const JpegSample &sample);
 // Replaces the size in a JPEG file's frame header.
 void set_jpeg_size(std::vector<uint8_t> &bytes, uint16_t width, uint16_t height);
 
-} // namespace kzb_tests
+} // namespace kzb_test
 
 #endif

@@ -8,7 +8,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-using namespace kzb_tests;
+using namespace kzb_test;
 
 namespace {
 
@@ -16,7 +16,7 @@ class ImageWritingTest : public PictureTest {
 protected:
     std::string failure(const PictureOwner &picture, const std::string &name, kzb_status status,
                         const kzb_write_options *options = nullptr) {
-        kzb_error error{};
+        error = {};
         if (kzb_picture_write(picture.get(), name.c_str(), options, &error)) return "";
         EXPECT_EQ(error.status, status);
         return error.message;
@@ -27,7 +27,7 @@ protected:
     }
 
     PictureOwner read(const std::string &name) {
-        kzb_error error{};
+        error = {};
         PictureOwner picture(kzb_picture_read(path(name).c_str(), nullptr, &error));
         EXPECT_TRUE(picture) << error.message;
         return picture;
@@ -148,7 +148,7 @@ TEST_F(ImageWritingTest, OtherEndingsAreTheCallersMistake) {
 }
 
 TEST_F(ImageWritingTest, APictureAndAPathAreNeeded) {
-    kzb_error error{};
+    error = {};
     EXPECT_FALSE(kzb_picture_write(nullptr, path("a.png").c_str(), nullptr, &error));
     EXPECT_EQ(error.status, KZB_ERROR_USAGE);
     const PictureOwner picture = random_picture(8, 8);
@@ -198,20 +198,24 @@ TEST_F(ImageWritingTest, AFolderIsNotReplaced) {
 }
 
 TEST_F(ImageWritingTest, AFullDiskLeavesTheOldFileAndNothingElse) {
-    const PictureOwner picture = random_picture(300, 300);
+    const PictureOwner pictures[] = {random_picture(300, 300), random_picture(8, 8)};
     rlimit limit;
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const auto expect_failure = [&](const char *name, const PictureOwner &picture, rlim_t most_bytes) {
+        write_bytes(path(name), {1, 2, 3});
+        const rlimit small{most_bytes, limit.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+        const std::string line = failure(picture, path(name), KZB_ERROR_OUTPUT);
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        EXPECT_EQ(line, path(name) + ": cannot be written: File too large") << most_bytes;
+        EXPECT_EQ(file_bytes(path(name)), (std::vector<uint8_t>{1, 2, 3}));
+    };
     for (const char *name : {"a.png", "a.jpg"}) {
-        for (const rlim_t bytes : {rlim_t{0}, rlim_t{10}, rlim_t{20000}}) {
-            write_bytes(path(name), {1, 2, 3});
-            const rlimit small{bytes, limit.rlim_max};
-            ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-            const std::string line = failure(picture, path(name), KZB_ERROR_OUTPUT);
-            ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-            EXPECT_EQ(line, path(name) + ": cannot be written: File too large") << bytes;
-            EXPECT_EQ(file_bytes(path(name)), (std::vector<uint8_t>{1, 2, 3}));
+        for (const PictureOwner &picture : pictures) {
+            for (const rlim_t most_bytes : {0, 10}) expect_failure(name, picture, most_bytes);
         }
+        expect_failure(name, pictures[0], 20000);
     }
     std::signal(SIGXFSZ, handler);
     EXPECT_EQ(names(), (std::vector<std::string>{"a.jpg", "a.png"}));

@@ -1,0 +1,80 @@
+#include "geometry/copy.h"
+
+#include "geometry/rectangle.h"
+#include "image/paced_image.h"
+#include "image/pixel_conversion.h"
+#include "image/row_window.h"
+
+#include <optional>
+
+namespace kzb {
+
+namespace {
+
+// The two images' rows, a pair at a time.
+class RowPairs {
+public:
+    RowPairs(ImageRecord &image, ImageRecord &source) : image_(image), source_(&source) {
+        same_file_ = image.IsMapping && source.IsMapping && image.storage_id == source.storage_id;
+        // One record has one window, which two far rows would move to and fro.
+        if (&image == &source && same_file_) source_ = &window_.emplace(source).image();
+    }
+
+    // False when a row cannot be reached. The addresses are void at the next call.
+    bool fetch(int32_t to, int32_t from) {
+        target = image_.row_accessor(image_, to);
+        // Two windows on one row would hide from the row functions that its bytes are the same.
+        const bool same_row = same_file_ && int64_t{image_.RowOffset} + to == int64_t{source_->RowOffset} + from;
+        row = same_row ? target : source_->row_accessor(*source_, from);
+        return target != nullptr && row != nullptr;
+    }
+
+    uint8_t *target = nullptr;
+    const uint8_t *row = nullptr;
+
+private:
+    ImageRecord &image_;
+    ImageRecord *source_;
+    std::optional<RowWindow> window_;
+    bool same_file_;
+};
+
+} // namespace
+
+void copy_pixels_rectangle(ImageObject object, ImageObject source_object, int32_t dest_x, int32_t dest_y,
+                           int32_t dest_width, int32_t dest_height, int32_t source_x, int32_t source_y) {
+    if (source_object == nullptr) return;
+    ImageRecord &image = *record_of(object);
+    ImageRecord &source = *record_of(source_object);
+    if (!source.Valid || !usable(image)) return;
+    PacedImage paced(image);
+    if (!paced.pace() || !usable(source)) return;
+    PacedImage paced_source(source);
+    if (!paced_source.pace() || !paced.unchanged()) return;
+
+    const CopyExtent columns = clip_copy(image.Width, source.Width, dest_x, dest_width, source_x);
+    const CopyExtent rows = clip_copy(image.Height, source.Height, dest_y, dest_height, source_y);
+    const kernels::Conversion conversion = conversion_between(image, source);
+    if (columns.length < 1 || rows.length < 1 || conversion.channels == 0) return;
+    const int64_t target_byte = static_cast<int64_t>(columns.to) * image.PixelSize;
+    const int64_t source_byte = static_cast<int64_t>(columns.from) * source.PixelSize;
+    RowPairs pairs(image, source);
+    for (int32_t i = 0; i < rows.length; ++i) {
+        if (!pairs.fetch(rows.to + i, rows.from + i)) return;
+        kernels::convert(pairs.target + target_byte, pairs.row + source_byte, conversion,
+                         static_cast<size_t>(columns.length));
+        if (!paced.pace() || !paced_source.unchanged()) return;
+    }
+}
+
+void copy_pixels_from_corner(ImageObject object, ImageObject source, int32_t dest_x, int32_t dest_y, int32_t dest_width,
+                             int32_t dest_height) {
+    copy_pixels_rectangle(object, source, dest_x, dest_y, dest_width, dest_height, 0, 0);
+}
+
+void copy_pixels(ImageObject object, ImageObject source) {
+    const ImageRecord &image = *record_of(object);
+    copy_pixels_rectangle(object, source, 0, 0, image.Width, image.Height, 0, 0);
+}
+
+} // namespace kzb

@@ -1,0 +1,21 @@
+// Rows of pixels as plain bytes, under a pattern that repeats from pixel to pixel.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace kzb::kernels {
+
+// A whole number of pixels of 1, 2, 3, 4 or 16 bytes, and of vector registers.
+inline constexpr size_t lane_period = 48;
+using Lanes = std::array<uint8_t, lane_period>;
+
+// Each byte b becomes (b & keep) ^ flip.
+void change_lanes(uint8_t *bytes, size_t count, const Lanes &keep, const Lanes &flip);
+
+// Each byte t of the target becomes (t & keep) | ((s & ~keep) ^ flip), s being the source's. The two have no bytes in
+// common.
+void copy_lanes(uint8_t *target, const uint8_t *source, size_t count, const Lanes &keep, const Lanes &flip);
+
+} // namespace kzb::kernels
