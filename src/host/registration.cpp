@@ -13,6 +13,9 @@
 #include "filters/unsharp.h"
 #include "geometry/copy.h"
 #include "geometry/fill.h"
+#include "geometry/mirror.h"
+#include "geometry/quarter_turn.h"
+#include "geometry/rotate.h"
 #include "geometry/scale.h"
 #include "geometry/scale_fast.h"
 #include "geometry/views.h"
@@ -220,8 +223,19 @@ MethodDefinition methods[] = {
     method<"ClipImage(x as integer, y as integer, width as integer, height as integer) as PictureKZB", clip_image>(),
 
     // Mirrors and turns
+    method<"HMirror", h_mirror>(),
+    method<"VMirror", v_mirror>(),
+    method<"Rotate180", rotate_180_in_place>(),
+    method<"Rotate90slow(dest as PictureKZB=nil) as PictureKZB", rotate_90_slow>(),
+    method<"Rotate180(dest as PictureKZB=nil) as PictureKZB", rotate_180>(),
+    method<"Rotate270slow(dest as PictureKZB=nil) as PictureKZB", rotate_270_slow>(),
+    method<"Rotate90(dest as PictureKZB=nil) as PictureKZB", rotate_90>(),
+    method<"Rotate270(dest as PictureKZB=nil) as PictureKZB", rotate_270>(),
 
     // Any angle
+    method<"Rotate(angle as double, Red as integer, Green as integer, Blue as integer, Alpha as integer, "
+           "Gray as integer) as PictureKZB",
+           rotate>(),
 
     // Scaling
     method<"Scale(source as PictureKZB, temp as PictureKZB, mode as integer, width as integer, height as integer) as "
