@@ -33,6 +33,7 @@ struct Sampler {
     int32_t computed;
     int32_t secret;
     uint8_t keeps_itself;
+    uint8_t releases_itself;
     uint8_t closes_descriptor;
 };
 
@@ -66,6 +67,7 @@ void destructor(KZBObject object) {
     Sampler &s = data(object);
     for (KZBString string : s.texts) HOST(REALUnlockString)(string);
     if (s.keeps_itself) HOST(REALLockObject)(object);
+    if (s.releases_itself) HOST(REALUnlockObject)(object);
     if (s.closes_descriptor) close(0);
     HOST(REALLockObject)(object);
     HOST(REALUnlockObject)(object);
@@ -357,6 +359,9 @@ KZBString released_result(KZBObject) {
 void keep_itself(KZBObject object) {
     data(object).keeps_itself = 1;
 }
+void release_itself(KZBObject object) {
+    data(object).releases_itself = 1;
+}
 void close_descriptor(KZBObject) {
     close(0);
 }
@@ -507,6 +512,7 @@ MethodDefinition methods[] = {
     {erased(take_block_for_array), nullptr, "TakeBlockForArray(block as memoryblock)", 0},
     {erased(released_result), nullptr, "ReleasedResult as string", 0},
     {erased(keep_itself), nullptr, "KeepItself", 0},
+    {erased(release_itself), nullptr, "ReleaseItself", 0},
     {erased(close_descriptor), nullptr, "CloseDescriptor", 0},
     {erased(close_descriptor_at_the_end), nullptr, "CloseDescriptorAtTheEnd", 0},
     {erased(forget_other), nullptr, "ForgetOther", 0},
