@@ -3,7 +3,7 @@
 #include "image/destination.h"
 #include "image/packed_rows.h"
 #include "image/storage.h"
-#include "kernels/copy_channels.h"
+#include "kernels/convert.h"
 #include "kernels/neon.h"
 
 #include <cstring>
@@ -21,8 +21,9 @@ bool read_row_and_next_pixel(ImageRecord &image, int32_t y, const Channels &chan
     const ChannelOffsets offsets = offsets_of(image, channels);
     const int64_t last_offset = *std::max_element(offsets.begin(), offsets.begin() + channels.size());
     const int64_t whole = std::clamp<int64_t>((image.RowSize - last_offset + step - 1) / step, 0, count);
-    kernels::copy_channels(packed, {channels.size(), {0, 1, 2, 3}}, row, {static_cast<size_t>(step), offsets},
-                           channels.size(), static_cast<size_t>(whole));
+    const kernels::Conversion packing = {
+        {channels.size(), {0, 1, 2, 3}}, {static_cast<size_t>(step), offsets}, channels.size(), false, 0};
+    kernels::convert(packed, row, packing, static_cast<size_t>(whole));
     for (int64_t x = whole; x < count; ++x) {
         for (size_t i = 0; i < channels.size(); ++i) {
             const int64_t byte = x * step + offsets[i];
