@@ -1,7 +1,7 @@
 // Invert, ClearRect, FillRect and FillRectRGB.
 
+#include "fixtures/plain_rectangle.h"
 #include "fixtures/storages.h"
-#include "geometry/plain_rectangle.h"
 #include "geometry/shapes.h"
 
 #include <gtest/gtest.h>
