@@ -62,8 +62,7 @@ TEST_F(RectanglePacing, NothingIsTouchedOnceAYieldClosedTheImageOrBuiltItAnew) {
         for (Storage storage : {Storage::memory, Storage::file})
             for (const bool again : {false, true})
                 for (int at = 1; at <= 4; ++at) {
-                    SCOPED_TRACE(std::string(operation.name) + " in " + name_of(storage) + " at " +
-                                 std::to_string(at));
+                    SCOPED_TRACE(std::string(operation.name) + " in " + name_of(storage) + " at " + std::to_string(at));
                     const Image image = *make_image(storage, 7, 7, 2, 5);
                     pacing(image);
                     user_code = [&] {

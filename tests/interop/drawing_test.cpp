@@ -12,7 +12,9 @@ struct Drawing {
     int32_t x, y, w, h, source_x, source_y;
 };
 
-GWorldPtr world_of(const Value &picture) { return kzb_picture_world(reinterpret_cast<KZBPicture>(picture.object())); }
+GWorldPtr world_of(const Value &picture) {
+    return kzb_picture_world(reinterpret_cast<KZBPicture>(picture.object()));
+}
 
 Value blank_picture(int32_t width, int32_t height, int32_t depth) {
     return Value::adopt(reinterpret_cast<KZBObject>(kzb_picture_new(width, height, depth)));
@@ -60,7 +62,9 @@ void draw_plainly(const PlainImage &image, const PlainImage &picture, const Form
     const PlainAxis rows = plain_cut(image.height, picture.height, d.y, d.h, d.source_y);
     for (int64_t i = 0; i < rows.length; ++i)
         for (int64_t k = 0; k < columns.length; ++k) {
-            const auto read = [&](Channel channel) { return picture.get(columns.source + k, rows.source + i, channel); };
+            const auto read = [&](Channel channel) {
+                return picture.get(columns.source + k, rows.source + i, channel);
+            };
             const auto write = [&](Channel channel, uint8_t value) {
                 image.set(columns.dest + k, rows.dest + i, channel, value);
             };
