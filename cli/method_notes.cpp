@@ -36,7 +36,7 @@ constexpr MethodNote effects[] = {
     {"EngraveFilter", "Shows the differences to the point a few to the right and below, on gray.",
      "Alpha is treated like a colour."},
     {"NeonFilter", "Shows edges as glowing lines on black.", "Alpha is treated like a colour."},
-    {"StampFilter", "Blurs, then leaves two colours with a soft edge between them.",
+    {"StampFilter", "Blurs, then pushes each channel to that of one of two colours, with a soft edge between.",
      "The alpha of the new picture is left at 0: transparent."},
 };
 
