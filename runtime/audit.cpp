@@ -49,7 +49,7 @@ Grave &grave(size_t age) {
 void inspect(Grave &g) noexcept {
     if (std::all_of(g.record, g.record + g.size, [](unsigned char byte) { return byte == pattern; })) return;
     std::memset(g.record, pattern, g.size);
-    misuse("a %s was written to after its release", g.class_name);
+    misuse("a released %s was written to", g.class_name);
 }
 
 void open_oldest_grave() noexcept {
@@ -80,18 +80,18 @@ bool audit_is_alive(const void *record, Tracked kind) noexcept {
 bool audit_check(const void *record, Tracked kind, const char *caller) noexcept {
     auto found = living().find(record);
     if (found != living().end() && found->second == kind) return true;
-    const char *wanted = kind == Tracked::object ? "object" : "string";
     if (found != living().end()) {
-        misuse("%s was given %s where %s is wanted", caller, kind == Tracked::object ? "a string" : "an object",
-               kind == Tracked::object ? "an object" : "a string");
+        misuse(kind == Tracked::object ? "%s was given a string, but needs an object"
+                                       : "%s was given an object, but needs a string",
+               caller);
         return false;
     }
     for (size_t age = count; age-- > 0;)
         if (grave(age).record == record) {
-            misuse("%s was given a %s that has been released", caller, grave(age).class_name);
+            misuse("%s was given a released %s", caller, grave(age).class_name);
             return false;
         }
-    misuse("%s was given %p, which is no %s", caller, record, wanted);
+    misuse("%s was given %p, which is no %s", caller, record, kind == Tracked::object ? "object" : "string");
     return false;
 }
 

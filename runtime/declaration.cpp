@@ -63,7 +63,9 @@ private:
         size_t length = 0;
         for (bool quoted = false; length < text.size() && (quoted || (text[length] != ',' && text[length] != ')'));)
             if (text[length++] == '"') quoted = !quoted;
-        if (!copy(p.default_text, text.substr(0, length))) return false;
+        std::string_view written = text.substr(0, length);
+        while (!written.empty() && is_space(written.back())) written.remove_suffix(1);
+        if (!copy(p.default_text, written)) return false;
         kzb_value value;
         bool fits = parse_literal(p.default_text, value) && fits_plainly(value, p.type);
         kzb_release(&value);
@@ -74,7 +76,7 @@ private:
     }
 
     void skip_spaces() noexcept {
-        while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
+        while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
     }
 
     bool take(char c) noexcept {

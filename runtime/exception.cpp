@@ -46,7 +46,7 @@ CallFrame *innermost_frame = nullptr;
 void RuntimeRaiseException(KZBObject exception) {
     if (!exception || !audit_check(exception, Tracked::object, "RuntimeRaiseException")) return;
     if (std::find(std::begin(classes), std::end(classes), exception->type) == std::end(classes)) {
-        misuse("RuntimeRaiseException was given a %s, which is no exception", exception->type->name);
+        misuse("RuntimeRaiseException was given an object of class %s, which is no exception", exception->type->name);
         return;
     }
     if (CallFrame *frame = CallFrame::innermost())

@@ -117,7 +117,7 @@ KZBObject kzb_new(const char *class_name, const kzb_value *arguments, size_t cou
         const ObjectClass *type = class_named(class_name, error);
         if (!type) return nullptr;
         if (!may_be_made(*type)) {
-            fail(error, KZB_ERROR_USAGE, "a %s cannot be made with New", type->name);
+            fail(error, KZB_ERROR_USAGE, "New makes no objects of class %s", type->name);
             return nullptr;
         }
         KZBObject object = object_new(*type);

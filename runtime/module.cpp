@@ -17,6 +17,8 @@ struct kzb_module {
     void *library = nullptr;
     std::vector<std::unique_ptr<kzb::ModuleClass>> classes;
 
+    std::unique_ptr<kzb_module> next_kept;
+
     // While REALPluginMain runs.
     int32_t announced_version = 0;
     kzb_error mistake = {}; // the first, if its status says so
@@ -30,6 +32,12 @@ namespace {
 std::vector<std::unique_ptr<kzb_module>> &modules() {
     static auto &all = *new std::vector<std::unique_ptr<kzb_module>>;
     return all;
+}
+
+// Forgotten but still in memory. Never destroyed, too.
+std::unique_ptr<kzb_module> &kept_modules() {
+    static auto &first = *new std::unique_ptr<kzb_module>;
+    return first;
 }
 
 kzb_module *starting = nullptr; // whose REALPluginMain runs
@@ -89,6 +97,7 @@ bool open_library(kzb_module &module, kzb_error *error) {
         return fail(error, KZB_ERROR_MODULE, "%s: this is a folder; give the path of the module inside it", path);
     // A path without a slash would be looked for among the system's libraries.
     std::string exact = module.path.find('/') == std::string::npos ? "./" + module.path : module.path;
+    move_standard_input();
     module.library = dlopen(exact.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!module.library)
         return fail(error, KZB_ERROR_MODULE,
@@ -128,9 +137,10 @@ bool start(kzb_module &module, kzb_error *error) {
 void forget(std::unique_ptr<kzb_module> module) noexcept {
     for (const auto &type : module->classes)
         if (size_t alive = live_objects(*type)) {
-            misuse("%s was unloaded while %zu objects of its class %s are alive", module->path.c_str(), alive,
-                   type->name);
-            module.release(); // its destructors are still needed
+            misuse("%s was unloaded while objects of its class %s are alive (%zu)", module->path.c_str(), type->name,
+                   alive);
+            module->next_kept = std::move(kept_modules()); // its destructors are still needed
+            kept_modules() = std::move(module);
             return;
         }
     if (module->library) dlclose(module->library);
@@ -171,7 +181,6 @@ kzb_module *kzb_module_load(const char *path, kzb_error *error) {
             fail(error, KZB_ERROR_MODULE, "no path of a module was given");
             return nullptr;
         }
-        move_standard_input();
         auto module = std::make_unique<kzb_module>();
         module->path = path;
         modules().reserve(modules().size() + 1);

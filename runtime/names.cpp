@@ -12,10 +12,6 @@ char lower(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-bool is_space(char c) noexcept {
-    return c == ' ' || c == '\t';
-}
-
 constexpr size_t longest_compared = 64;
 
 // How many letters must be inserted, deleted or changed to make one name of the other.

@@ -7,6 +7,10 @@
 
 namespace kzb {
 
+inline bool is_space(char c) noexcept {
+    return c == ' ' || c == '\t';
+}
+
 // Whether a text is a name: a letter or '_', then letters, digits and '_'.
 bool is_name(std::string_view text) noexcept;
 

@@ -31,7 +31,7 @@ void destroy(KZBObject object) noexcept {
         delete object->extras;
     }
     if (object->references > 0) {
-        misuse("the destructor of a %s kept a reference to it", type.name);
+        misuse("the destructor of class %s kept a reference to its object", type.name);
         audit_references(-object->references);
     }
     audit_bury(object, allocation_size(type), type.name);
@@ -62,7 +62,7 @@ void object_retain(KZBObject object, const char *caller) noexcept {
 void object_release(KZBObject object, const char *caller) noexcept {
     if (!object || !audit_check(object, Tracked::object, caller)) return;
     if (object->references == 0) {
-        misuse("%s was given a %s whose destructor is running, once too often", caller, object->type->name);
+        misuse("%s dropped one reference too many while the destructor of class %s runs", caller, object->type->name);
         return;
     }
     --object->references;
@@ -73,7 +73,7 @@ void object_release(KZBObject object, const char *caller) noexcept {
 bool object_is(KZBObject object, const ObjectClass &type, const char *caller) noexcept {
     if (!object || !audit_check(object, Tracked::object, caller)) return false;
     if (object->type == &type) return true;
-    misuse("%s was given a %s where a %s is wanted", caller, object->type->name, type.name);
+    misuse("%s was given an object of class %s, but needs one of class %s", caller, object->type->name, type.name);
     return false;
 }
 

@@ -18,7 +18,9 @@ struct Change {
 };
 
 constexpr Change complement = {0xff, 0xff};
-constexpr Change set_to(int32_t value) { return {0, static_cast<uint8_t>(value)}; }
+constexpr Change set_to(int32_t value) {
+    return {0, static_cast<uint8_t>(value)};
+}
 
 // Which channels change, and how, in the order in which a pixel is processed.
 struct Changes {
@@ -63,8 +65,7 @@ void change_rectangle(ImageRecord &image, const Rectangle &area, const Changes &
         }
     }
     const int64_t first = static_cast<int64_t>(area.columns.start) * image.PixelSize + *low;
-    const size_t count =
-        static_cast<size_t>(area.columns.length - 1) * step + static_cast<size_t>(*high - *low) + 1;
+    const size_t count = static_cast<size_t>(area.columns.length - 1) * step + static_cast<size_t>(*high - *low) + 1;
     for_each_row(image, area.rows, [&](int32_t y) {
         uint8_t *row = image.row_accessor(image, y);
         if (row == nullptr) return false;
@@ -170,7 +171,9 @@ void fill_rectangle_rgba(ImageObject object, int32_t x, int32_t y, int32_t width
     set_colours(object, area_of(object, x, y, width, height), red, green, blue, &alpha);
 }
 
-void fill_color(ImageObject object, Color color) { set_color(object, whole(object), color, nullptr); }
+void fill_color(ImageObject object, Color color) {
+    set_color(object, whole(object), color, nullptr);
+}
 
 void fill_color_with_alpha(ImageObject object, Color color, int32_t alpha) {
     set_color(object, whole(object), color, &alpha);

@@ -1,8 +1,8 @@
 // Rectangles of an image set to one value or turned into their complement, in place.
 //
-// Rectangles are cut to the image by clip() of geometry/rectangle.h. Nothing happens to an image that is not usable, for
-// an empty rectangle, and in layouts that lack the channels. Of a channel's value the low 8 bits are taken. The image is
-// paced before the first row and after each.
+// Rectangles are cut to the image by clip() of geometry/rectangle.h. Nothing happens to an image that is not usable,
+// for an empty rectangle, and in layouts that lack the channels. Of a channel's value the low 8 bits are taken. The
+// image is paced before the first row and after each.
 #pragma once
 
 #include "image/record.h"

@@ -76,8 +76,8 @@ int64_t bytes_needed(const ImageRecord &image) {
     if (rows == 0 || image.Width == 0) return rows * image.RowSize;
     const int32_t largest_offset =
         std::max({image.RedOffset, image.GreenOffset, image.BlueOffset, image.GrayOffset, image.AlphaOffset});
-    const int64_t row_end = (static_cast<int64_t>(image.Width) - 1) * image.PixelSize +
-                            std::max(image.PixelSize, largest_offset + 1);
+    const int64_t row_end =
+        (static_cast<int64_t>(image.Width) - 1) * image.PixelSize + std::max(image.PixelSize, largest_offset + 1);
     return (rows - 1) * image.RowSize + std::max<int64_t>(image.RowSize, row_end);
 }
 

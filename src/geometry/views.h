@@ -20,8 +20,8 @@ ImageObject alpha_channel(ImageObject image);
 // set.
 ImageObject rgb_channels(ImageObject image);
 
-// A rectangle, cut to the image by clip() of geometry/rectangle.h; what lies beyond the right or lower edge gives a view
-// of width or height 0.
+// A rectangle, cut to the image by clip() of geometry/rectangle.h; what lies beyond the right or lower edge gives a
+// view of width or height 0.
 ImageObject clip_image(ImageObject image, int32_t x, int32_t y, int32_t width, int32_t height);
 
 // An image with a copy of the pixels in memory of its own, at the same row offset; nil for a file-backed image, one

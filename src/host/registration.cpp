@@ -1,12 +1,23 @@
 #include "host/registration.h"
 
 #include "filters/box_blur.h"
+#include "filters/convolution.h"
+#include "filters/diffuse.h"
+#include "filters/dither.h"
+#include "filters/engrave.h"
 #include "filters/fractional_blur.h"
+#include "filters/neon.h"
+#include "filters/oil.h"
 #include "filters/stamp.h"
 #include "filters/tone.h"
 #include "filters/unsharp.h"
 #include "geometry/copy.h"
 #include "geometry/fill.h"
+#include "geometry/mirror.h"
+#include "geometry/quarter_turn.h"
+#include "geometry/rotate.h"
+#include "geometry/scale.h"
+#include "geometry/scale_fast.h"
 #include "geometry/views.h"
 #include "host/classes.h"
 #include "host/constants.h"
@@ -212,12 +223,33 @@ MethodDefinition methods[] = {
     method<"ClipImage(x as integer, y as integer, width as integer, height as integer) as PictureKZB", clip_image>(),
 
     // Mirrors and turns
+    method<"HMirror", h_mirror>(),
+    method<"VMirror", v_mirror>(),
+    method<"Rotate180", rotate_180_in_place>(),
+    method<"Rotate90slow(dest as PictureKZB=nil) as PictureKZB", rotate_90_slow>(),
+    method<"Rotate180(dest as PictureKZB=nil) as PictureKZB", rotate_180>(),
+    method<"Rotate270slow(dest as PictureKZB=nil) as PictureKZB", rotate_270_slow>(),
+    method<"Rotate90(dest as PictureKZB=nil) as PictureKZB", rotate_90>(),
+    method<"Rotate270(dest as PictureKZB=nil) as PictureKZB", rotate_270>(),
 
     // Any angle
+    method<"Rotate(angle as double, Red as integer, Green as integer, Blue as integer, Alpha as integer, "
+           "Gray as integer) as PictureKZB",
+           rotate>(),
 
     // Scaling
+    method<"Scale(source as PictureKZB, temp as PictureKZB, mode as integer, width as integer, height as integer) as "
+           "boolean",
+           scale>(),
+    method<"ScaleFast(source as PictureKZB, width as integer, height as integer) as boolean", scale_fast>(),
 
     // Convolution
+    method<"ApplyMatrix(dest as PictureKZB, matrix() as integer) as PictureKZB", apply_matrix>(),
+    method<"ApplyMatrix(dest as PictureKZB, matrix() as integer, delta as integer) as PictureKZB",
+           apply_matrix_delta>(),
+    method<"ApplyMatrix(dest as PictureKZB, matrix() as integer, delta as integer, ScaleFactor as double) as "
+           "PictureKZB",
+           apply_matrix_delta_scale>(),
 
     // Tone
     method<"SolarizeFilter(dest as PictureKZB) as PictureKZB", solarize_filter>(),
@@ -243,8 +275,13 @@ MethodDefinition methods[] = {
     method<"AutoLevel(x as integer, y as integer, w as integer, h as integer) as boolean", auto_level_rectangle>(),
 
     // Dithering
+    method<"DitherFilter(dest as PictureKZB, matrix as integer, levels as integer) as PictureKZB", dither_filter>(),
 
     // Effects
+    method<"OilFilter(dest as PictureKZB, levels as integer, range as integer) as PictureKZB", oil_filter>(),
+    method<"DiffuseFilter(dest as PictureKZB, level as integer) as PictureKZB", diffuse_filter>(),
+    method<"EngraveFilter(dest as PictureKZB, level as integer) as PictureKZB", engrave_filter>(),
+    method<"NeonFilter(dest as PictureKZB) as PictureKZB", neon_filter>(),
     method<"StampFilter(dest as PictureKZB, radius as double, threshold as double, softness as double, "
            "Black as Color, White as Color) as PictureKZB",
            stamp_filter>(),

@@ -30,20 +30,4 @@ void discard_backing_file(ImageRecord &image);
 // Gives a record a window of its own on the file that `image` is backed by, with no block mapped yet.
 void open_window(ImageRecord &window, const ImageRecord &image);
 
-// A second window on a file-backed image, for rows that are wanted while the image's own window is elsewhere. It must
-// not be read once the image is closed.
-class SecondWindow {
-public:
-    explicit SecondWindow(const ImageRecord &image) : record_(image) { open_window(record_, image); }
-    SecondWindow(const SecondWindow &) = delete;
-    SecondWindow &operator=(const SecondWindow &) = delete;
-    ~SecondWindow() { unmap_block(record_); }
-
-    // The image's record but for the window: for the row accessor alone. It owns nothing.
-    ImageRecord &record() { return record_; }
-
-private:
-    ImageRecord record_;
-};
-
 } // namespace kzb

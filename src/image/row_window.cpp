@@ -22,7 +22,7 @@ RowWindow::RowWindow(ImageRecord &image) : image_(image), window_(image) {
 }
 
 RowWindow::~RowWindow() {
-    if (image_.IsMapping) unmap_block(window_);
+    unmap_block(window_);
 }
 
 } // namespace kzb

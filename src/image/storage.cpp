@@ -5,6 +5,7 @@ namespace kzb {
 uint8_t *byte_at(ImageRecord &image, int64_t row, int64_t byte) {
     const int64_t at = (image.RowOffset + row) * image.RowSize + byte;
     if (at < 0 || at >= image.TotalSize) return nullptr;
+    if (!image.IsMapping) return image.pixel_buffer + at;
     const auto storage_row = static_cast<int32_t>(at / image.RowSize);
     uint8_t *address = image.row_accessor(image, storage_row - image.RowOffset);
     return address == nullptr ? nullptr : address + at % image.RowSize;
@@ -50,7 +51,7 @@ bool rows_may_run(const ImageRecord &source, const ImageRecord &destination, con
     const ChannelOffsets offsets = offsets_of(destination, channels);
     for (size_t i = 0; i < channels.size(); ++i)
         for (size_t j = 0; j < i; ++j)
-            if (offsets[i] == offsets[j]) return false;
+            if ((offsets[i] - offsets[j]) % destination.PixelSize == 0) return false;
     return true;
 }
 

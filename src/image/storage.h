@@ -34,8 +34,8 @@ enum class Sharing {
 Sharing sharing_of(const ImageRecord &a, const ImageRecord &b, const Channels &channels);
 
 // Whether row functions may run from source to destination instead of the plain walk: the destination holds
-// width × height pixels, its channels lie at bytes of their own, and the two share no bytes or are the same pixels. A
-// row function that reads a row's neighbourhood also needs Sharing::none.
+// width × height pixels, no byte is a channel of two of them or two channels of one, and the two images share no bytes
+// or are the same pixels. A row function that reads a row's neighbourhood also needs Sharing::none.
 bool rows_may_run(const ImageRecord &source, const ImageRecord &destination, const Channels &channels, int64_t width,
                   int64_t height);
 

@@ -4,7 +4,7 @@
 #include "image/channels.h"
 #include "image/paced_image.h"
 #include "interop/picture_reader.h"
-#include "kernels/copy_channels.h"
+#include "kernels/convert.h"
 
 namespace kzb {
 
@@ -36,14 +36,17 @@ bool draw_rows(PacedImage &paced, ImageRecord &image, const PictureReader &reade
     const CopyExtent rows = clip_copy(image.Height, reader.height(), request.y, request.height, request.source_y);
     if (columns.length < 1 || rows.length < 1) return true;
     if (drawing.paces_rows && !paced.pace()) return false;
-    const kernels::Placement to = {static_cast<size_t>(image.PixelSize), offsets_of(image, drawing.channels)};
-    const kernels::Placement from = {exchange_pixel_size, drawing.bytes};
+    const kernels::Conversion conversion = {{static_cast<size_t>(image.PixelSize), offsets_of(image, drawing.channels)},
+                                            {exchange_pixel_size, drawing.bytes},
+                                            drawing.channels.size(),
+                                            false,
+                                            0};
     for (int32_t i = 0; i < rows.length; ++i) {
         uint8_t *row = image.row_accessor(image, rows.to + i);
         if (row == nullptr) return false;
-        kernels::copy_channels(row + static_cast<int64_t>(columns.to) * image.PixelSize, to,
-                               reader.row(rows.from + i) + exchange_pixel_size * static_cast<size_t>(columns.from),
-                               from, drawing.channels.size(), static_cast<size_t>(columns.length));
+        kernels::convert(row + static_cast<int64_t>(columns.to) * image.PixelSize,
+                         reader.row(rows.from + i) + exchange_pixel_size * static_cast<size_t>(columns.from),
+                         conversion, static_cast<size_t>(columns.length));
         if (drawing.paces_rows && !paced.pace()) return false;
     }
     return true;

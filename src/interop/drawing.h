@@ -1,7 +1,7 @@
 // Host pictures drawn into an image's channels, pixel by pixel: nothing is scaled.
 //
-// The rectangle is cut to the image and to the picture by clip_copy() of geometry/rectangle.h. Pictures of any depth are
-// read. Alpha and all channels not named are left alone. Nothing happens when the image is not usable or lacks the
+// The rectangle is cut to the image and to the picture by clip_copy() of geometry/rectangle.h. Pictures of any depth
+// are read. Alpha and all channels not named are left alone. Nothing happens when the image is not usable or lacks the
 // channels, and for a picture that cannot be read. The forms without a source corner draw from the picture's top left.
 #pragma once
 

@@ -18,15 +18,19 @@ void change_lanes(uint8_t *bytes, size_t count, const Lanes &keep, const Lanes &
     // Copies, which the bytes cannot alias.
     const Lanes kept = keep;
     const Lanes flipped = flip;
+    // Pages that are not read need not be fetched.
+    if (kept == Lanes{}) return for_each_lane(count, [&](size_t at, size_t lane) { bytes[at] = flipped[lane]; });
     for_each_lane(count, [&](size_t at, size_t lane) {
         bytes[at] = static_cast<uint8_t>((bytes[at] & kept[lane]) ^ flipped[lane]);
     });
 }
 
-void copy_lanes(uint8_t *__restrict target, const uint8_t *__restrict source, size_t count, const Lanes &keep) {
+void copy_lanes(uint8_t *__restrict target, const uint8_t *__restrict source, size_t count, const Lanes &keep,
+                const Lanes &flip) {
     const Lanes kept = keep;
+    const Lanes flipped = flip;
     for_each_lane(count, [&](size_t at, size_t lane) {
-        target[at] = static_cast<uint8_t>((target[at] & kept[lane]) | (source[at] & ~kept[lane]));
+        target[at] = static_cast<uint8_t>((target[at] & kept[lane]) | ((source[at] & ~kept[lane]) ^ flipped[lane]));
     });
 }
 

@@ -14,7 +14,8 @@ using Lanes = std::array<uint8_t, lane_period>;
 // Each byte b becomes (b & keep) ^ flip.
 void change_lanes(uint8_t *bytes, size_t count, const Lanes &keep, const Lanes &flip);
 
-// Takes from the source the bits that `keep` does not keep. The two have no bytes in common.
-void copy_lanes(uint8_t *target, const uint8_t *source, size_t count, const Lanes &keep);
+// Each byte t of the target becomes (t & keep) | ((s & ~keep) ^ flip), s being the source's. The two have no bytes in
+// common.
+void copy_lanes(uint8_t *target, const uint8_t *source, size_t count, const Lanes &keep, const Lanes &flip);
 
 } // namespace kzb::kernels

@@ -3,7 +3,7 @@
 #include "host/bridges.h"
 #include "host/reference.h"
 #include "image/format.h"
-#include "kernels/convert.h"
+#include "image/pixel_conversion.h"
 #include "platform/buffer.h"
 #include "rows/row_access.h"
 
@@ -15,41 +15,13 @@ namespace {
 
 constexpr uint8_t invert = 0xFF;
 
-void convert_pixels(uint8_t *target, const ImageRecord &to, const uint8_t *source, const ImageRecord &from,
-                    uint8_t alpha_flip, size_t count) {
-    const auto to_step = static_cast<size_t>(to.PixelSize);
-    const auto from_step = static_cast<size_t>(from.PixelSize);
-    const auto copy = [&](int32_t to_offset, int32_t from_offset, uint8_t flip) {
-        kernels::copy_channel(target + to_offset, to_step, source + from_offset, from_step, flip, count);
-    };
-    if (to.IsGray && from.IsGray) {
-        copy(to.GrayOffset, from.GrayOffset, 0);
-    } else if (to.IsGray) {
-        kernels::gray_channel(target + to.GrayOffset, to_step, source + from.RedOffset, source + from.GreenOffset,
-                              source + from.BlueOffset, from_step, count);
-    } else {
-        copy(to.RedOffset, from.IsGray ? from.GrayOffset : from.RedOffset, 0);
-        copy(to.GreenOffset, from.IsGray ? from.GrayOffset : from.GreenOffset, 0);
-        copy(to.BlueOffset, from.IsGray ? from.GrayOffset : from.BlueOffset, 0);
-    }
-    if (to.HasAlpha && from.HasAlpha) copy(to.AlphaOffset, from.AlphaOffset, alpha_flip);
-}
-
-// One row from one layout to another; false, with nothing written, when one of the two is neither gray nor colour.
+// One row from one layout to another, which may be the image's own bytes; false, with nothing written, when one of the
+// two is neither gray nor colour.
 bool convert_row(uint8_t *target, const ImageRecord &to, const uint8_t *source, const ImageRecord &from,
                  uint8_t alpha_flip, int32_t width) {
-    if ((!from.IsGray && !from.IsRGB) || (!to.IsGray && !to.IsRGB)) return false;
-    const auto count = static_cast<size_t>(width);
-    const auto to_step = static_cast<size_t>(to.PixelSize);
-    const auto from_step = static_cast<size_t>(from.PixelSize);
-    if (target + count * to_step <= source || source + count * from_step <= target) {
-        convert_pixels(target, to, source, from, alpha_flip, count);
-    } else {
-        // A block may refer to the image's own bytes: then pixel after pixel.
-        for (size_t x = 0; x < count; ++x)
-            convert_pixels(target + x * to_step, to, source + x * from_step, from, alpha_flip, 1);
-    }
-    return true;
+    const kernels::Conversion conversion = conversion_between(to, from, alpha_flip);
+    kernels::convert(target, source, conversion, static_cast<size_t>(width));
+    return conversion.channels != 0;
 }
 
 // The layout that user code named, for rows as wide as the image's; none when it is no layout.

@@ -33,23 +33,23 @@ TEST_F(Audit, NamesTheClassOfAnObject) {
 TEST_F(Audit, ReportsAReleaseTooMany) {
     call("ReleaseBlockTwice");
     call("ReleaseStringTwice");
-    expected_misuses = {"REALUnlockObject was given a MemoryBlock that has been released",
-                        "REALUnlockString was given a String that has been released"};
+    expected_misuses = {"REALUnlockObject was given a released MemoryBlock",
+                        "REALUnlockString was given a released String"};
 }
 
 TEST_F(Audit, ReportsAUseAfterTheRelease) {
     call("UseReleasedBlock");
     Value result;
     EXPECT_EQ(call("ReleasedResult")->kind, KZB_NIL);
-    expected_misuses = {"memoryBlockGetPtr was given a MemoryBlock that has been released",
-                        "ReleasedResult was given a String that has been released"};
+    expected_misuses = {"memoryBlockGetPtr was given a released MemoryBlock",
+                        "ReleasedResult was given a released String"};
 }
 
 TEST_F(Audit, ReportsAnObjectOfTheWrongClass) {
     call("TakeBlockForArray", block("x"));
     call("ReleaseStringAsObject");
-    expected_misuses = {"RuntimeUBound was given a MemoryBlock where a Array is wanted",
-                        "REALUnlockObject was given a string where an object is wanted"};
+    expected_misuses = {"RuntimeUBound was given an object of class MemoryBlock, but needs one of class Array",
+                        "REALUnlockObject was given a string, but needs an object"};
 }
 
 TEST_F(Audit, ReportsWhatIsNoReferenceAtAll) {
@@ -65,14 +65,19 @@ TEST_F(Audit, ReportsAWriteAfterTheRelease) {
     call("WriteToReleased");
     EXPECT_TRUE(misuses.empty());
     for (int i = 0; i < 5000; ++i) block("x"); // until the record is let go
-    expected_misuses = {"a String was written to after its release"};
+    expected_misuses = {"a released String was written to"};
+}
+
+TEST_F(Audit, LooksForWritesAfterTheReleaseWhenAModuleIsUnloaded) {
+    call("WriteToReleased");
+    expected_misuses = {"a released String was written to"};
 }
 
 TEST_F(Audit, ReportsADestructorThatKeepsItsObject) {
     call("KeepItself");
     sampler = nil();
     EXPECT_EQ(kzb_live_references(), 0U);
-    expected_misuses = {"the destructor of a Sampler kept a reference to it"};
+    expected_misuses = {"the destructor of class Sampler kept a reference to its object"};
 }
 
 TEST_F(Audit, ReportsReleasedObjectsThatProgramsUse) {
@@ -91,8 +96,14 @@ TEST_F(Audit, ReportsReleasedObjectsThatProgramsUse) {
     EXPECT_STREQ(error.message, "Sampler.Other: a Sampler or nil is expected, an object that has been released came");
     EXPECT_EQ(misuses.size(), 4U);
     for (const std::string &line : misuses)
-        EXPECT_NE(line.find(" was given a Sampler that has been released"), std::string::npos) << line;
+        EXPECT_NE(line.find(" was given a released Sampler"), std::string::npos) << line;
     expected_misuses = misuses;
+}
+
+TEST_F(Audit, ReportsADestructorThatReleasesItsObject) {
+    call("ReleaseItself");
+    sampler = nil();
+    expected_misuses = {"REALUnlockObject dropped one reference too many while the destructor of class Sampler runs"};
 }
 
 using AuditDeathTest = SamplerTest;
@@ -103,8 +114,7 @@ TEST_F(AuditDeathTest, AbortsWithOneLineWithoutAHandler) {
             kzb_on_misuse(nullptr, nullptr);
             kzb_call(sampler->object, "ReleaseBlockTwice", nullptr, 0, nullptr, nullptr);
         },
-        testing::KilledBySignal(SIGABRT),
-        "^kzbruntime: REALUnlockObject was given a MemoryBlock that has been released\n$");
+        testing::KilledBySignal(SIGABRT), "^kzbruntime: REALUnlockObject was given a released MemoryBlock\n$");
 }
 
 } // namespace

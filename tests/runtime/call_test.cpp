@@ -275,7 +275,7 @@ TEST_F(Call, NewTellsItsMistakes) {
     EXPECT_FALSE(kzb_new("Nonsense", nullptr, 0, &error));
     EXPECT_STREQ(error.message, "there is no class Nonsense");
     EXPECT_FALSE(kzb_new("MemoryBlock", nullptr, 0, &error));
-    EXPECT_STREQ(error.message, "a MemoryBlock cannot be made with New");
+    EXPECT_STREQ(error.message, "New makes no objects of class MemoryBlock");
     EXPECT_FALSE(kzb_new(nullptr, nullptr, 0, &error));
     Arguments raising(nil(), integer(1));
     EXPECT_FALSE(kzb_new("Sampler", raising.data(), 2, &error));

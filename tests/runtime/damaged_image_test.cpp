@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
-using namespace kzb_tests;
+using namespace kzb_test;
 
 namespace {
 
@@ -29,7 +29,7 @@ protected:
     }
 
     std::string failure_of(const std::string &name, kzb_status status = KZB_ERROR_INPUT) {
-        kzb_error error{};
+        error = {};
         const PictureOwner picture(kzb_picture_read(name.c_str(), nullptr, &error));
         if (picture) return "";
         EXPECT_EQ(error.status, status);
@@ -56,7 +56,7 @@ TEST_F(DamagedImageTest, WhatIsNoPictureFileIsTold) {
     EXPECT_EQ(failure({'G', 'I', 'F', '8', '9', 'a', 1, 0, 1, 0, 0}), other);
     EXPECT_EQ(failure({'x'}), other);
     EXPECT_EQ(failure({0x89, 'P', 'N', 'G', '\n', '\n', 0x1A, '\n', 0}), other);
-    kzb_error error{};
+    error = {};
     EXPECT_EQ(kzb_picture_read(nullptr, nullptr, &error), nullptr);
     EXPECT_EQ(error.status, KZB_ERROR_USAGE);
     EXPECT_EQ(kzb_picture_read(path("missing").c_str(), nullptr, nullptr), nullptr);
@@ -108,7 +108,7 @@ TEST_F(DamagedImageTest, FlippedBitsOfAJpegDoNoHarm) {
             bytes[bit / 8] ^= static_cast<uint8_t>(1 << bit % 8);
             write_bytes(path("picture"), bytes);
             const kzb_read_options limit{1000000}; // a flipped size may be large
-            kzb_error error{};
+            error = {};
             const PictureOwner picture(kzb_picture_read(path("picture").c_str(), &limit, &error));
             if (picture) continue;
             ++found;
@@ -196,7 +196,7 @@ TEST_F(DamagedImageTest, AJpegOfCountlessScansIsRefused) {
 }
 
 TEST_F(DamagedImageTest, NamesWithControlCharactersStayOnOneLine) {
-    kzb_error error{};
+    error = {};
     EXPECT_EQ(kzb_picture_read(path("a\nb\x1b").c_str(), nullptr, &error), nullptr);
     EXPECT_EQ(std::string(error.message), path("a b ") + ": cannot be opened: No such file or directory");
 }

@@ -50,7 +50,7 @@ TEST_F(Declaration, HasArgumentsAndAResult) {
 TEST_F(Declaration, SpacesDoNotMatter) {
     kzb_declaration d = parsed("  Mix ( a  as integer= 5 ,b( ) as\tinteger )as double ");
     ASSERT_EQ(d.parameter_count, 2U);
-    EXPECT_STREQ(d.parameters[0].default_text, "5 ");
+    EXPECT_STREQ(d.parameters[0].default_text, "5");
     EXPECT_EQ(d.parameters[1].type, KZB_TYPE_INTEGER_ARRAY);
     EXPECT_EQ(d.result, KZB_TYPE_DOUBLE);
 }

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstring>
 
-using namespace kzb_tests;
+using namespace kzb_test;
 
 namespace {
 

@@ -43,7 +43,7 @@ TEST_F(Exception, MayBeRaisedAgain) {
 
 TEST_F(Exception, OfAnotherClassIsAMisuse) {
     call("RaiseObject");
-    expected_misuses = {"RuntimeRaiseException was given a Sampler, which is no exception"};
+    expected_misuses = {"RuntimeRaiseException was given an object of class Sampler, which is no exception"};
 }
 
 TEST_F(Exception, IsNotRaisedOutsideOfMethods) {

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <unistd.h>
 
-using namespace kzb_tests;
+using namespace kzb_test;
 
 namespace {
 
@@ -14,7 +14,7 @@ class ImageReadingTest : public PictureTest {
 protected:
     PictureOwner read(const std::vector<uint8_t> &bytes, const kzb_read_options *options = nullptr) {
         write_bytes(path("picture"), bytes);
-        kzb_error error{};
+        error = {};
         PictureOwner picture(kzb_picture_read(path("picture").c_str(), options, &error));
         EXPECT_EQ(error.status, KZB_OK) << error.message;
         return picture;
@@ -182,7 +182,7 @@ TEST_F(ImageReadingTest, AFileCanComeThroughAPipe) {
         ASSERT_EQ(pipe(ends), 0);
         ASSERT_EQ(write(ends[1], bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
         close(ends[1]);
-        kzb_error error{};
+        error = {};
         const std::string name = "/proc/self/fd/" + std::to_string(ends[0]);
         EXPECT_TRUE(PictureOwner(kzb_picture_read(name.c_str(), nullptr, &error))) << error.message;
         close(ends[0]);
@@ -196,7 +196,7 @@ TEST_F(ImageReadingTest, TheLimitOfPixelsIsInclusive) {
     const kzb_read_options exact{117}, less{116};
     for (const auto &bytes : {png, jpeg}) {
         EXPECT_TRUE(read(bytes, &exact));
-        kzb_error error{};
+        error = {};
         EXPECT_EQ(kzb_picture_read(path("picture").c_str(), &less, &error), nullptr);
         EXPECT_EQ(error.status, KZB_ERROR_INPUT);
         EXPECT_EQ(error.message, path("picture") + ": the picture is too large: 13 x 9 pixels, and the limit is 116 "
@@ -206,7 +206,7 @@ TEST_F(ImageReadingTest, TheLimitOfPixelsIsInclusive) {
 
 TEST_F(ImageReadingTest, SuccessLeavesTheErrorAlone) {
     write_bytes(path("a"), jpeg_bytes(smooth_jpeg(5, 6, JCS_RGB, JCS_YCbCr)));
-    kzb_error error;
+
     std::memset(&error, 0x5A, sizeof error);
     const kzb_error before = error;
     EXPECT_TRUE(PictureOwner(kzb_picture_read(path("a").c_str(), nullptr, &error)));

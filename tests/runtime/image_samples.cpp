@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace kzb_tests {
+namespace kzb_test {
 
 namespace {
 
@@ -218,4 +218,4 @@ void set_jpeg_size(std::vector<uint8_t> &bytes, uint16_t width, uint16_t height)
     bytes[at + 8] = static_cast<uint8_t>(width);
 }
 
-} // namespace kzb_tests
+} // namespace kzb_test

@@ -11,7 +11,7 @@
 #include <jpeglib.h>
 #include <png.h>
 
-namespace kzb_tests {
+namespace kzb_test {
 
 struct PngSample {
     int width, height;
@@ -60,6 +60,6 @@ std::vector<uint8_t> jpeg_bytes(const JpegSample &sample);
 // Replaces the size in a JPEG file's frame header.
 void set_jpeg_size(std::vector<uint8_t> &bytes, uint16_t width, uint16_t height);
 
-} // namespace kzb_tests
+} // namespace kzb_test
 
 #endif

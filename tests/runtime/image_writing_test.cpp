@@ -8,7 +8,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-using namespace kzb_tests;
+using namespace kzb_test;
 
 namespace {
 
@@ -16,7 +16,7 @@ class ImageWritingTest : public PictureTest {
 protected:
     std::string failure(const PictureOwner &picture, const std::string &name, kzb_status status,
                         const kzb_write_options *options = nullptr) {
-        kzb_error error{};
+        error = {};
         if (kzb_picture_write(picture.get(), name.c_str(), options, &error)) return "";
         EXPECT_EQ(error.status, status);
         return error.message;
@@ -27,7 +27,7 @@ protected:
     }
 
     PictureOwner read(const std::string &name) {
-        kzb_error error{};
+        error = {};
         PictureOwner picture(kzb_picture_read(path(name).c_str(), nullptr, &error));
         EXPECT_TRUE(picture) << error.message;
         return picture;
@@ -148,7 +148,7 @@ TEST_F(ImageWritingTest, OtherEndingsAreTheCallersMistake) {
 }
 
 TEST_F(ImageWritingTest, APictureAndAPathAreNeeded) {
-    kzb_error error{};
+    error = {};
     EXPECT_FALSE(kzb_picture_write(nullptr, path("a.png").c_str(), nullptr, &error));
     EXPECT_EQ(error.status, KZB_ERROR_USAGE);
     const PictureOwner picture = random_picture(8, 8);

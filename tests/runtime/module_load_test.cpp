@@ -182,7 +182,7 @@ TEST_F(ModuleLoad, KeepsALibraryWhoseObjectsAreAlive) {
     ASSERT_TRUE(module) << error.message;
     Value made = object(kzb_new("Sampler", nullptr, 0, &error));
     kzb_module_unload(module);
-    expected_misuses = {MODULES "sampler.so was unloaded while 1 objects of its class Sampler are alive"};
+    expected_misuses = {MODULES "sampler.so was unloaded while objects of its class Sampler are alive (1)"};
     made = nil(); // the destructor still runs
 }
 
@@ -192,7 +192,7 @@ TEST_F(ModuleLoad, KeepsALibraryWhoseMainLeftAnObject) {
     Value left = object(kzb_module_class(module, 0)->event_instances);
     EXPECT_EQ(kzb_live_count("Faulty"), 1U);
     kzb_module_unload(module);
-    expected_misuses = {MODULES "object_left.so was unloaded while 1 objects of its class Faulty are alive"};
+    expected_misuses = {MODULES "object_left.so was unloaded while objects of its class Faulty are alive (1)"};
 }
 
 TEST_F(ModuleLoad, ReportsAnUnknownModule) {

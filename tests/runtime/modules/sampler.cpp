@@ -32,7 +32,9 @@ struct Sampler {
     KZBString texts[2];
     int32_t computed;
     int32_t secret;
+    uint8_t owns_other;
     uint8_t keeps_itself;
+    uint8_t releases_itself;
     uint8_t closes_descriptor;
 };
 
@@ -65,7 +67,9 @@ void destructor(KZBObject object) {
     ++destroyed;
     Sampler &s = data(object);
     for (KZBString string : s.texts) HOST(REALUnlockString)(string);
+    if (s.owns_other) HOST(REALUnlockObject)(s.other);
     if (s.keeps_itself) HOST(REALLockObject)(object);
+    if (s.releases_itself) HOST(REALUnlockObject)(object);
     if (s.closes_descriptor) close(0);
     HOST(REALLockObject)(object);
     HOST(REALUnlockObject)(object);
@@ -357,12 +361,23 @@ KZBString released_result(KZBObject) {
 void keep_itself(KZBObject object) {
     data(object).keeps_itself = 1;
 }
+void release_itself(KZBObject object) {
+    data(object).releases_itself = 1;
+}
 void close_descriptor(KZBObject) {
     close(0);
 }
 void close_descriptor_at_the_end(KZBObject object) {
     data(object).closes_descriptor = 1;
 }
+// Drops what was assigned and holds a reference of its own there, which the destructor drops but leaves in place.
+void adopt_other(KZBObject object, KZBObject other) {
+    HOST(REALUnlockObject)(data(object).other);
+    HOST(REALLockObject)(other);
+    data(object).other = other;
+    data(object).owns_other = 1;
+}
+
 void forget_other(KZBObject object) {
     data(object).other = nullptr;
 }
@@ -485,10 +500,10 @@ MethodDefinition methods[] = {
     {erased(kind_array), nullptr, "Kind(v() as integer) as string", 0},
     {erased(kind_number), nullptr, "Number(v as double) as string", 0},
     {erased(kind_wide), nullptr, "Number(v as int64) as string", 0},
-    {erased(pick_none), nullptr, "Pick as string", 0},
-    {erased(pick_one), nullptr, "Pick(a as integer) as string", 0},
     {erased(pick_optional), nullptr,
      "Pick(a as integer=1, b as integer=2, c as integer=3, last as integer=4) as string", 0},
+    {erased(pick_none), nullptr, "Pick as string", 0},
+    {erased(pick_one), nullptr, "Pick(a as integer) as string", 0},
     {erased(item), erased(set_item), "Item(index as integer) as integer", 0},
     {erased(string_at), erased(set_string_at), "StringAt(index as integer) as string", 0},
     {erased(raise_two), nullptr, "RaiseTwo as Sampler", 0},
@@ -507,9 +522,11 @@ MethodDefinition methods[] = {
     {erased(take_block_for_array), nullptr, "TakeBlockForArray(block as memoryblock)", 0},
     {erased(released_result), nullptr, "ReleasedResult as string", 0},
     {erased(keep_itself), nullptr, "KeepItself", 0},
+    {erased(release_itself), nullptr, "ReleaseItself", 0},
     {erased(close_descriptor), nullptr, "CloseDescriptor", 0},
     {erased(close_descriptor_at_the_end), nullptr, "CloseDescriptorAtTheEnd", 0},
     {erased(forget_other), nullptr, "ForgetOther", 0},
+    {erased(adopt_other), nullptr, "AdoptOther(other as Sampler)", 0},
 };
 
 ConstantDefinition constants[] = {

@@ -1,0 +1,171 @@
+#include "help.h"
+
+#include "argument_text.h"
+#include "failure.h"
+#include "method_notes.h"
+#include "runtime/names.h"
+
+#include <algorithm>
+#include <set>
+
+namespace kzb::cli {
+
+namespace {
+
+constexpr size_t line_width = 100;
+
+bool can_be_step(const Method &method) {
+    return std::any_of(method.forms.begin(), method.forms.end(),
+                       [](const Form &form) { return form.obstacle().empty(); });
+}
+
+std::string padded(std::string text, size_t width) {
+    text.resize(std::max(width, text.size() + 1), ' ');
+    return text;
+}
+
+// Words in lines of a bearable length, each begun with `indent` spaces.
+std::string wrapped(std::string_view text, size_t indent) {
+    std::string lines;
+    std::string line(indent, ' ');
+    while (!text.empty()) {
+        const std::string_view word = text.substr(0, text.find(' '));
+        if (line.size() > indent && line.size() + 1 + word.size() > line_width) {
+            lines += line + "\n";
+            line.assign(indent, ' ');
+        }
+        if (line.size() > indent) line += ' ';
+        line += word;
+        text.remove_prefix(std::min(text.size(), word.size() + 1));
+    }
+    return lines + line + "\n";
+}
+
+// Lines of a section, each told once.
+class Section {
+public:
+    explicit Section(const char *title) : title_(title) {}
+
+    void add(const std::string &line) {
+        if (told_.insert(line).second) lines_ += "  " + line + "\n";
+    }
+
+    std::string text() const { return lines_.empty() ? "" : std::string("\n") + title_ + "\n" + lines_; }
+
+private:
+    const char *title_;
+    std::set<std::string> told_;
+    std::string lines_;
+};
+
+size_t longest_name(const Method &method) {
+    size_t longest = 0;
+    for (const Form &form : method.forms)
+        for (size_t i = 0; i < form.declaration.parameter_count; ++i)
+            longest = std::max(longest, std::string_view(form.declaration.parameters[i].name).size());
+    return longest;
+}
+
+std::string describe_argument(const kzb_parameter &parameter, const Method &method) {
+    std::string text = describe(parameter.type);
+    if (parameter.type == KZB_TYPE_OBJECT) text = std::string("a ") + parameter.type_name;
+    if (parameter.type == KZB_TYPE_INTEGER) text = "a whole number";
+    if (constants_for(method.name, parameter.name) != nullptr) text = "one of the constants below, or its number";
+    return parameter.has_default ? text + "; " + parameter.default_text + " when not given" : text;
+}
+
+std::string describe_supplied(size_t place, const Form &form) {
+    const bool dest = same_name(form.declaration.parameters[place].name, "dest");
+    if (form.giver_of(place) == Giver::chain_nil)
+        return dest ? "nil: the result is a new picture" : "nil: made and dropped again";
+    if (form.giver_of(place) == Giver::chain_new) return "a new picture of the current picture's size and layout";
+    return form.writes_new_picture() ? "the current picture; the step writes a new one, with which the chain goes on"
+                                     : "the current picture";
+}
+
+std::string describe_result(const Form &form) {
+    const kzb_declaration &declaration = form.declaration;
+    if (!form.obstacle().empty())
+        return declaration.result == KZB_TYPE_NONE ? "nothing" : std::string("a ") + declaration.result_name;
+    if (declaration.result == KZB_TYPE_BOOLEAN) return "true: done; false: the chain ends with exit code 1";
+    if (declaration.result == KZB_TYPE_OBJECT) return "the new current picture; nil: the chain ends with exit code 1";
+    return form.writes_new_picture() ? "nothing" : "nothing; the current picture itself is changed";
+}
+
+// Line after line of constants of one kind.
+std::string constants_text(const Method &method, const Catalogue &catalogue) {
+    std::set<std::string> kinds;
+    for (const Form &form : method.forms)
+        for (size_t i = 0; i < form.declaration.parameter_count; ++i)
+            if (const char *kind = constants_for(method.name, form.declaration.parameters[i].name)) kinds.insert(kind);
+    std::string names;
+    for (const std::string &kind : kinds)
+        for (const Constant &constant : catalogue.constants())
+            if (constant.name.starts_with(kind)) names += (names.empty() ? "" : " ") + constant.name;
+    return names.empty() ? "" : "\nConstants\n" + wrapped(names, 2);
+}
+
+} // namespace
+
+std::string list_text(const Catalogue &catalogue) {
+    size_t width = 0;
+    for (const Method &method : catalogue.methods()) width = std::max(width, method.name.size() + 2);
+    std::string text = "The methods of PictureKZB. 'kzb help METHOD' explains one; those marked * are for programs and "
+                       "cannot be steps.\n";
+    std::set<std::string> listed;
+    const auto add = [&](const Method &method, const char *sentence) {
+        listed.insert(method.name);
+        return std::string(can_be_step(method) ? "  " : "* ") + padded(method.name, width) + sentence + "\n";
+    };
+    const auto add_family = [&](const char *title, const std::string &lines) {
+        if (!lines.empty()) text += std::string("\n") + title + "\n" + lines;
+    };
+    for (const Family &family : families()) {
+        std::string lines;
+        for (const MethodNote &note : family.methods)
+            if (const Method *method = catalogue.method(note.name)) lines += add(*method, note.sentence);
+        add_family(family.title, lines);
+    }
+    std::string others;
+    for (const Method &method : catalogue.methods())
+        if (!listed.contains(method.name)) others += add(method, "");
+    add_family("Others", others);
+    return text;
+}
+
+std::string help_text(const std::string &name, const Catalogue &catalogue) {
+    const Method *method = catalogue.method(name);
+    if (method == nullptr) {
+        const std::string hint = catalogue.method_hint(name);
+        fail(Exit::usage, std::string(picture_class) + " has no method " + name +
+                              (hint.empty() ? "; 'kzb list' shows the methods" : hint));
+    }
+    const size_t width = longest_name(*method) + 2;
+    Section declared("Declared as"), steps("As a step"), arguments("Arguments"), supplied("Supplied by the chain"),
+        results("Result");
+    std::string obstacles;
+    for (const Form &form : method->forms) {
+        const std::string obstacle = form.obstacle();
+        declared.add(form.text);
+        if (obstacle.empty())
+            steps.add(": " + form.usage());
+        else
+            obstacles = "none: it " + obstacle;
+        for (size_t i = 0; i < form.declaration.parameter_count; ++i) {
+            const kzb_parameter &parameter = form.declaration.parameters[i];
+            const bool given = form.giver_of(i) == Giver::user;
+            (given ? arguments : supplied)
+                .add(padded(parameter.name, width) +
+                     (given ? describe_argument(parameter, *method) : describe_supplied(i, form)));
+        }
+        results.add(describe_result(form));
+    }
+    if (!can_be_step(*method)) steps.add(obstacles);
+    const MethodNote *note = note_on(method->name);
+    std::string text = method->name + (note == nullptr ? "\n" : std::string(": ") + note->sentence + "\n");
+    text += steps.text() + arguments.text() + supplied.text() + results.text();
+    if (note != nullptr && note->remark != nullptr) text += "\nNote\n" + wrapped(note->remark, 2);
+    return text + constants_text(*method, catalogue) + declared.text();
+}
+
+} // namespace kzb::cli

@@ -1,0 +1,44 @@
+// Which input pixels, along one side of an image, make up each output pixel, and with which weights.
+#pragma once
+
+#include "geometry/scale_kernels.h"
+#include "kernels/resample.h"
+#include "platform/buffer.h"
+
+namespace kzb {
+
+class Contributions {
+public:
+    // How the first and last input pixel under an enlarging filter are found.
+    enum class Span { outward, toward_zero };
+
+    // Empty lists, one for each of `outputs` pixels made from `inputs`. Where the memory cannot be had they stay empty.
+    Contributions(const ScaleKernel &kernel, int32_t outputs, int32_t inputs, Span span);
+
+    // Fills the list of an output pixel, in ascending order of input pixels and without weights of 0.
+    void build(int32_t output);
+
+    // Whether there is memory for the lists.
+    explicit operator bool() const { return static_cast<bool>(entries_); }
+
+    kernels::ContributionList operator[](int32_t output) const;
+    // All lists; none without memory.
+    const kernels::ContributionList *lists() const { return lists_.get(); }
+
+private:
+    struct Candidates {
+        double centre;
+        int32_t first;
+        int64_t count;
+    };
+    Candidates candidates(int32_t output) const;
+
+    const ScaleKernel &kernel_;
+    int32_t inputs_;
+    double scale_;
+    Span span_;
+    Buffer<kernels::ContributionList> lists_;
+    Buffer<kernels::Contribution> entries_;
+};
+
+} // namespace kzb

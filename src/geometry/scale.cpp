@@ -1,0 +1,65 @@
+#include "geometry/scale.h"
+
+#include "geometry/scale_passes.h"
+#include "image/factory.h"
+#include "image/format.h"
+#include "image/paced_image.h"
+#include "image/storage.h"
+
+namespace kzb {
+
+namespace {
+
+// The three images of a scaling, looked at again after each yield.
+struct ScaledImages {
+    PacedImage source, temp, destination;
+
+    // Paces the destination. False: the scaling must stop.
+    bool pace() { return destination.pace() && source.unchanged() && temp.unchanged(); }
+};
+
+bool resample(ImageRecord &source, ImageRecord &temp, ImageRecord &destination, const ScaleKernel &kernel,
+              int32_t width, int32_t height) {
+    if (!temp.Valid || !destination.Valid || !source.Valid || temp.ImageFormat != ImageFormatScaling) return false;
+    const auto carried = carried_between(source, destination);
+    if (!carried) return false;
+    ScaledImages images = {PacedImage(source), PacedImage(temp), PacedImage(destination)};
+    if (!usable(source) || !images.source.pace() || !usable(destination) || !images.destination.pace() ||
+        !usable(temp) || !images.temp.pace() || !images.source.unchanged() || !images.destination.unchanged())
+        return false;
+    if (!holds(destination, width, height) || !holds(temp, width, source.Height)) return false;
+
+    {
+        Contributions columns(kernel, width, source.Width, Contributions::Span::outward);
+        for (int32_t x = 0; x < width; ++x) {
+            columns.build(x);
+            if (!images.pace()) return false;
+        }
+        const HorizontalPass pass(source, temp, *carried, columns, width);
+        for (int32_t y = 0; y < source.Height; ++y)
+            if (!pass.make_row(y) || !images.pace()) return false;
+    }
+    Contributions rows(kernel, height, source.Height, Contributions::Span::toward_zero);
+    for (int32_t y = 0; y < height; ++y) rows.build(y);
+    const VerticalPass pass(temp, destination, *carried, rows, width);
+    for (int32_t y = 0; y < height; ++y)
+        if (!pass.make_row(y) || !images.pace()) return false;
+    return true;
+}
+
+} // namespace
+
+Boolean scale(ImageObject image, ImageObject source, ImageObject temp, int32_t mode, int32_t width, int32_t height) {
+    if (image == nullptr || source == nullptr || width < 1 || height < 1) return 0;
+    ImageRecord &destination = *record_of(image);
+    ImageReference made;
+    if (temp == nullptr) {
+        made = create_image(&destination, width, record_of(source)->Height, ImageFormatScaling);
+        if (!made || record_of(made.get())->ImageFormat != ImageFormatScaling) return 0;
+        temp = made.get();
+    }
+    const ScaleKernel *kernel = scale_kernel(mode);
+    return kernel != nullptr && resample(*record_of(source), *record_of(temp), destination, *kernel, width, height);
+}
+
+} // namespace kzb

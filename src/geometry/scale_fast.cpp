@@ -1,0 +1,109 @@
+#include "geometry/scale_fast.h"
+
+#include "image/paced_image.h"
+#include "image/pixel_conversion.h"
+#include "image/row_pairs.h"
+#include "image/storage.h"
+#include "kernels/pick.h"
+
+#include <algorithm>
+
+namespace kzb {
+
+namespace {
+
+// Compared without sign: a negative number counts as huge.
+int32_t smaller(int32_t a, int32_t b) {
+    return static_cast<int32_t>(std::min(static_cast<uint32_t>(a), static_cast<uint32_t>(b)));
+}
+
+class FastScaling {
+public:
+    FastScaling(ImageRecord &source, ImageRecord &destination, const kernels::Conversion &conversion, int32_t width,
+                int32_t height)
+        : source_(source), destination_(destination), conversion_(conversion), width_(width),
+          step_x_(static_cast<double>(source.Width) / width), step_y_(static_cast<double>(source.Height) / height),
+          rows_may_run_(holds(destination, width, height) && holds(source, 1, 1)), rows_(destination, source) {}
+
+    // False when a row cannot be reached.
+    [[nodiscard]] bool make_row(int32_t y);
+
+private:
+    void make_row_plainly(int32_t y, int32_t source_y);
+
+    ImageRecord &source_, &destination_;
+    const kernels::Conversion conversion_;
+    const int32_t width_;
+    const double step_x_, step_y_;
+    const bool rows_may_run_;
+    RowPairs rows_;
+};
+
+bool FastScaling::make_row(int32_t y) {
+    // The steps stay below the source's size: the distance to it is far more than the rounding of a product.
+    const auto source_y = static_cast<int32_t>(y * step_y_);
+    if (!rows_may_run_) {
+        make_row_plainly(y, source_y);
+        return true;
+    }
+    if (!rows_.fetch(y, source_y)) return false;
+    constexpr int32_t strip = 2048;
+    int32_t places[strip];
+    for (int32_t x = 0; x < width_; x += strip) {
+        const auto count = static_cast<size_t>(std::min(strip, width_ - x));
+        kernels::step_places(places, x, step_x_, source_.PixelSize, count);
+        kernels::pick(rows_.target + static_cast<int64_t>(x) * destination_.PixelSize, rows_.row, places, conversion_,
+                      count);
+    }
+    return true;
+}
+
+// For views whose sides are empty or negative.
+void FastScaling::make_row_plainly(int32_t y, int32_t source_y) {
+    const auto &[to, from, channels, to_gray, last_flip] = conversion_;
+    for (int32_t x = 0; x < width_; ++x) {
+        const auto source_x = static_cast<int32_t>(x * step_x_);
+        const auto read = [&](size_t i, uint8_t &byte) {
+            const uint8_t *address = channel_at(source_, source_x, source_y, conversion_.from.offsets[i]);
+            if (address != nullptr) byte = *address;
+            return address != nullptr;
+        };
+        for (size_t i = 0; i < channels; ++i) {
+            uint8_t byte;
+            if (to_gray && i == 0) {
+                uint8_t red, green, blue;
+                if (!read(0, red) || !read(1, green) || !read(2, blue)) continue;
+                byte = kernels::gray_from(red, green, blue);
+            } else if (!read(to_gray ? i + 2 : i, byte)) {
+                continue;
+            }
+            if (uint8_t *address = channel_at(destination_, x, y, to.offsets[i])) *address = byte;
+        }
+    }
+}
+
+} // namespace
+
+Boolean scale_fast(ImageObject image, ImageObject source_object, int32_t width, int32_t height) {
+    if (image == nullptr || source_object == nullptr) return 0;
+    ImageRecord &source = *record_of(source_object), &destination = *record_of(image);
+    if (!source.Valid || !destination.Valid) return 0;
+    const int32_t w = smaller(destination.Width, width);
+    const int32_t h = smaller(destination.Height, height);
+    if (w < 1 || h < 1) return 0;
+    kernels::Conversion conversion = conversion_between(destination, source);
+    if (conversion.channels == 0) return 0;
+    // Alpha stays with gray.
+    if (source.IsGray && destination.IsRGB) conversion.channels = 3;
+    PacedImage paced_source(source), paced_destination(destination);
+    if (!usable(source) || !paced_source.pace() || !usable(destination) || !paced_destination.pace() ||
+        !paced_source.unchanged())
+        return 0;
+
+    FastScaling scaling(source, destination, conversion, w, h);
+    for (int32_t y = 0; y < h; ++y)
+        if (!scaling.make_row(y) || !paced_destination.pace() || !paced_source.unchanged()) return 0;
+    return 1;
+}
+
+} // namespace kzb
