@@ -10,6 +10,7 @@ namespace kzb::test {
 enum class System : uint8_t {
     allocation, // calloc, malloc, realloc
     open,
+    fcntl,
     fstat,
     flock,
     fchmod,
