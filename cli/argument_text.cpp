@@ -27,6 +27,11 @@ bool has_prefix(std::string_view text, std::string_view prefix) {
     return same_name(text.substr(0, prefix.size()), prefix);
 }
 
+// The library takes no plus sign.
+std::string_view without_plus(std::string_view text) {
+    return text.starts_with('+') && !text.starts_with("+-") ? text.substr(1) : text;
+}
+
 // A decimal number or, as in the host's language, the 32 bits of a hexadecimal one.
 std::optional<int64_t> read_integer(std::string_view text) {
     if (has_prefix(text, "&h")) {
@@ -34,15 +39,13 @@ std::optional<int64_t> read_integer(std::string_view text) {
         if (!bits) return std::nullopt;
         return static_cast<int32_t>(*bits);
     }
-    if (text.starts_with("+")) text.remove_prefix(1);
-    return text.starts_with("+") ? std::nullopt : whole_text<int64_t>(text);
+    return whole_text<int64_t>(without_plus(text));
 }
 
 std::optional<Value> read_double(std::string_view text) {
     // The library also knows "inf" and "nan", which are no numbers here.
     if (text.find_first_not_of("+-.0123456789eE") != text.npos) return std::nullopt;
-    if (text.starts_with("+")) text.remove_prefix(1);
-    const auto number = whole_text<double>(text);
+    const auto number = whole_text<double>(without_plus(text));
     if (!number) return std::nullopt;
     kzb_value value = {};
     value.kind = KZB_DOUBLE;
@@ -142,31 +145,47 @@ std::vector<std::string> join_arrays(const std::vector<std::string> &words) {
 bool fits(const kzb_value &value, kzb_type type) {
     const bool integer = value.kind == KZB_INTEGER;
     switch (type) {
-    case KZB_TYPE_INTEGER: return integer && value.integer >= INT32_MIN && value.integer <= INT32_MAX;
-    case KZB_TYPE_INT64: return integer;
-    case KZB_TYPE_DOUBLE: return integer || value.kind == KZB_DOUBLE;
-    case KZB_TYPE_BOOLEAN: return value.kind == KZB_BOOLEAN || (integer && (value.integer & ~INT64_C(1)) == 0);
+    case KZB_TYPE_INTEGER:
+        return integer && value.integer >= INT32_MIN && value.integer <= INT32_MAX;
+    case KZB_TYPE_INT64:
+        return integer;
+    case KZB_TYPE_DOUBLE:
+        return integer || value.kind == KZB_DOUBLE;
+    case KZB_TYPE_BOOLEAN:
+        return value.kind == KZB_BOOLEAN || (integer && (value.integer & ~INT64_C(1)) == 0);
     case KZB_TYPE_COLOR:
         return (integer || value.kind == KZB_COLOR) && value.integer >= 0 && value.integer <= 0xFFFFFF;
-    case KZB_TYPE_INTEGER_ARRAY: return value.kind == KZB_ARRAY || value.kind == KZB_NIL;
-    case KZB_TYPE_OBJECT: return value.kind == KZB_NIL;
+    case KZB_TYPE_INTEGER_ARRAY:
+        return value.kind == KZB_ARRAY || value.kind == KZB_NIL;
+    case KZB_TYPE_OBJECT:
+        return value.kind == KZB_NIL;
     case KZB_TYPE_STRING:
-    case KZB_TYPE_NONE: break;
+    case KZB_TYPE_NONE:
+        break;
     }
     return false;
 }
 
 std::string describe(kzb_type type) {
     switch (type) {
-    case KZB_TYPE_INTEGER: return "a whole number from -2147483648 to 2147483647";
-    case KZB_TYPE_INT64: return "a whole number";
-    case KZB_TYPE_DOUBLE: return "a number";
-    case KZB_TYPE_BOOLEAN: return "true or false";
-    case KZB_TYPE_COLOR: return "a colour, #RRGGBB or &hRRGGBB";
-    case KZB_TYPE_INTEGER_ARRAY: return "an array of whole numbers, [1,2,3]";
-    case KZB_TYPE_OBJECT: return "nil";
-    case KZB_TYPE_STRING: return "a text";
-    case KZB_TYPE_NONE: break;
+    case KZB_TYPE_INTEGER:
+        return "a whole number from -2147483648 to 2147483647";
+    case KZB_TYPE_INT64:
+        return "a whole number";
+    case KZB_TYPE_DOUBLE:
+        return "a number";
+    case KZB_TYPE_BOOLEAN:
+        return "true or false";
+    case KZB_TYPE_COLOR:
+        return "a colour, #RRGGBB or &hRRGGBB";
+    case KZB_TYPE_INTEGER_ARRAY:
+        return "an array of whole numbers, [1,2,3]";
+    case KZB_TYPE_OBJECT:
+        return "nil";
+    case KZB_TYPE_STRING:
+        return "a text";
+    case KZB_TYPE_NONE:
+        break;
     }
     return "nothing";
 }

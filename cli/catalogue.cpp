@@ -60,10 +60,9 @@ std::string Form::obstacle() const {
 }
 
 bool Form::writes_new_picture() const {
-    return std::any_of(declaration.parameters, declaration.parameters + declaration.parameter_count,
-                       [](const kzb_parameter &p) {
-                           return giver_of(p) == Giver::chain_picture && same_name(p.name, "source");
-                       });
+    return std::any_of(
+        declaration.parameters, declaration.parameters + declaration.parameter_count,
+        [](const kzb_parameter &p) { return giver_of(p) == Giver::chain_picture && same_name(p.name, "source"); });
 }
 
 std::string Form::usage() const {
@@ -98,11 +97,19 @@ Catalogue::Catalogue(const kzb_module *module, const std::string &path) {
     }
 }
 
-const Method *Catalogue::method(std::string_view name) const { return find_named(methods_, name); }
-const Constant *Catalogue::constant(std::string_view name) const { return find_named(constants_, name); }
+const Method *Catalogue::method(std::string_view name) const {
+    return find_named(methods_, name);
+}
+const Constant *Catalogue::constant(std::string_view name) const {
+    return find_named(constants_, name);
+}
 
-std::string Catalogue::method_hint(std::string_view mistyped) const { return hint_among(methods_, mistyped); }
-std::string Catalogue::constant_hint(std::string_view mistyped) const { return hint_among(constants_, mistyped); }
+std::string Catalogue::method_hint(std::string_view mistyped) const {
+    return hint_among(methods_, mistyped);
+}
+std::string Catalogue::constant_hint(std::string_view mistyped) const {
+    return hint_among(constants_, mistyped);
+}
 
 std::string Catalogue::layout_name(int64_t image_format) const {
     for (const Constant &constant : constants_)

@@ -44,13 +44,6 @@ Value call(const Value &object, const char *method, std::initializer_list<Value>
     return call(object, method, std::span<const kzb_value>(borrowed(arguments)));
 }
 
-void assign(const Value &object, const char *method, std::initializer_list<Value> arguments, const Value &value) {
-    const std::vector<kzb_value> values = borrowed(arguments);
-    CallFailure failure = {};
-    if (!kzb_assign(object.get().object, method, values.data(), values.size(), &value.get(), &failure.error))
-        throw failure;
-}
-
 Value call_shared(const char *class_name, const char *method, std::initializer_list<Value> arguments) {
     const std::vector<kzb_value> values = borrowed(arguments);
     kzb_value result = {};

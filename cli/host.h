@@ -30,7 +30,6 @@ public:
     const kzb_value &get() const { return value_; }
     bool is_nil() const { return value_.kind == KZB_NIL; }
     KZBPicture as_picture() const { return reinterpret_cast<KZBPicture>(value_.object); }
-    KZBMemoryBlock as_block() const { return reinterpret_cast<KZBMemoryBlock>(value_.object); }
 
 private:
     kzb_value value_ = {};
@@ -44,9 +43,6 @@ struct CallFailure {
 // `object.method(arguments)`, arguments by position or, where the C value carries a name, by name.
 Value call(const Value &object, const char *method, std::span<const kzb_value> arguments);
 Value call(const Value &object, const char *method, std::initializer_list<Value> arguments = {});
-
-// `object.method(arguments) = value`.
-void assign(const Value &object, const char *method, std::initializer_list<Value> arguments, const Value &value);
 
 // `class_name.method(arguments)`.
 Value call_shared(const char *class_name, const char *method, std::initializer_list<Value> arguments);

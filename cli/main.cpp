@@ -25,7 +25,9 @@ std::string folder_of(const std::string &path) {
     return slash == path.npos ? "." : path.substr(0, slash == 0 ? 1 : slash);
 }
 
-bool exists(const std::string &path) { return access(path.c_str(), F_OK) == 0; }
+bool exists(const std::string &path) {
+    return access(path.c_str(), F_OK) == 0;
+}
 
 std::string find_module() {
     char executable[4096];
@@ -87,8 +89,9 @@ void run_chain(const CommandLine &line) {
     if (written.alpha_left_out)
         print_line("note: " + line.output + ": a JPEG file holds no alpha, it was left out; a PNG file keeps it");
     if (written.all_transparent)
-        print_line("note: " + line.output +
-                   ": the whole picture is transparent; 'kzb help METHOD' tells which steps leave alpha at 0");
+        print_line(
+            "note: " + line.output +
+            ": the whole picture is transparent; 'kzb help METHOD' tells of a step whether it leaves alpha at 0");
 }
 
 void print(const std::string &text) {
@@ -99,10 +102,14 @@ void print(const std::string &text) {
 void run(int argc, const char *const *argv) {
     const CommandLine line = parse_command_line(argc, argv);
     switch (line.command) {
-    case Command::text: return print(line.text);
-    case Command::list: return print(list_text(load(line)));
-    case Command::help_on: return print(help_text(line.subject, load(line)));
-    case Command::chain: return run_chain(line);
+    case Command::text:
+        return print(line.text);
+    case Command::list:
+        return print(list_text(load(line)));
+    case Command::help_on:
+        return print(help_text(line.subject, load(line)));
+    case Command::chain:
+        return run_chain(line);
     }
 }
 

@@ -134,7 +134,9 @@ constexpr Family all_families[] = {
 
 } // namespace
 
-std::span<const Family> families() { return all_families; }
+std::span<const Family> families() {
+    return all_families;
+}
 
 const MethodNote *note_on(std::string_view method) {
     for (const Family &family : all_families)

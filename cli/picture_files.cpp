@@ -2,8 +2,6 @@
 
 #include "runtime/names.h"
 
-#include <cstring>
-
 namespace kzb::cli {
 
 namespace {
@@ -15,52 +13,32 @@ int64_t constant(const char *name) {
     return value;
 }
 
-// The pictures here come from files or from the module and have exchange pixels: alpha or unused, red, green, blue.
-constexpr size_t exchange_pixel = 4;
-
-const uint8_t *row_of(const GWorld &world, kzb_word y) {
-    return static_cast<const uint8_t *>(world.base_address) + y * world.row_bytes;
-}
-
-// A mask's gray level becomes the alpha of a row's pixels; beyond the mask they are opaque.
-void put_alpha(uint8_t *pixels, const GWorld &mask, kzb_word y, kzb_word count) {
-    for (kzb_word x = 0; x < count; ++x)
-        pixels[x * 4] = y < mask.height && x < mask.width ? row_of(mask, y)[x * 4 + 1] : 255;
-}
-
-// Whether a mask lets nothing of its picture show.
+// Whether a mask, which has exchange pixels, lets nothing of its picture show.
 bool is_transparent(const GWorld &mask) {
-    for (kzb_word y = 0; y < mask.height; ++y) {
-        const uint8_t *row = row_of(mask, y);
+    const uint8_t *row = static_cast<const uint8_t *>(mask.base_address);
+    for (kzb_word y = 0; y < mask.height; ++y, row += mask.row_bytes)
         for (kzb_word x = 0; x < mask.width; ++x)
             if (row[x * 4 + 1] != 0) return false;
-    }
     return true;
 }
 
-bool holds_alpha(const std::string &path) { return same_name(path.substr(path.rfind('.')), ".png"); }
+bool holds_alpha(const std::string &path) {
+    return same_name(path.substr(path.rfind('.')), ".png");
+}
 
 } // namespace
 
 Value from_host_picture(const Value &host_picture) {
-    const GWorld *world = kzb_picture_world(host_picture.as_picture());
+    const Value width = Value::integer(property(host_picture, "Width"));
+    const Value height = Value::integer(property(host_picture, "Height"));
     const Value mask = Value::picture(kzb_picture_mask(host_picture.as_picture()));
-    const GWorld *mask_world = mask.is_nil() ? nullptr : kzb_picture_world(mask.as_picture());
-    const bool alpha = mask_world != nullptr;
-    const Value picture = call_shared(picture_class, "CreatePictureKZB",
-                                      {Value::integer(world->width), Value::integer(world->height),
-                                       Value::integer(constant(alpha ? "ImageFormatRGBA" : "ImageFormatRGB"))});
+    const Value format = Value::integer(constant(mask.is_nil() ? "ImageFormatRGB" : "ImageFormatRGBA"));
+    const Value picture = call_shared(picture_class, "CreatePictureKZB", {width, height, format});
     if (picture.is_nil()) return picture;
-    const Value format = Value::integer(constant(alpha ? "ImageFormatARGB" : "ImageFormatXRGB"));
-    const size_t count = static_cast<size_t>(world->width) * exchange_pixel;
-    const Value row = Value::object(reinterpret_cast<KZBObject>(kzb_block_new(nullptr, count)));
-    if (row.is_nil()) return row;
-    uint8_t *bytes = static_cast<uint8_t *>(kzb_block_bytes(row.as_block(), nullptr));
-    for (kzb_word y = 0; y < world->height; ++y) {
-        std::memcpy(bytes, row_of(*world, y), count);
-        if (alpha) put_alpha(bytes, *mask_world, y, world->width);
-        assign(picture, "RowInFormat", {Value::integer(y), format}, row);
-    }
+    const Value origin = Value::integer(0);
+    call(picture, "DrawPictureRGB", {host_picture, origin, origin, width, height});
+    if (!mask.is_nil())
+        call(call(picture, "AlphaChannel"), "DrawPictureRedToGrayChannel", {mask, origin, origin, width, height});
     return picture;
 }
 

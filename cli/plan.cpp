@@ -23,7 +23,7 @@ struct Attempt {
 bool comes_further(const Attempt &attempt, const Attempt &other) {
     if (attempt.stage != other.stage) return attempt.stage > other.stage;
     if (attempt.stage == Stage::fits) return attempt.arguments.size() < other.arguments.size();
-    return attempt.stage == Stage::no_fit && attempt.argument > other.argument;
+    return attempt.argument > other.argument;
 }
 
 // The parameter that an argument is for: the one of its name, else the next that the user gives.
@@ -59,16 +59,18 @@ Attempt attempt(const Form &form, const std::vector<WrittenArgument> &written) {
     }
     for (size_t i = 0; i < declaration.parameter_count; ++i) {
         const kzb_parameter &parameter = declaration.parameters[i];
-        const Giver giver = giver_of(parameter);
-        if (given[i] != nullptr) {
-            if (!fits(given[i]->value.get(), parameter.type))
-                return stop(Stage::no_fit, i, static_cast<size_t>(given[i] - written.data()));
-            result.arguments.push_back({parameter.name, Giver::user, given[i]->value});
-        } else if (giver != Giver::user) {
-            if (!parameter.has_default) result.arguments.push_back({parameter.name, giver, {}});
-        } else if (!parameter.has_default) {
+        if (given[i] == nullptr && giver_of(parameter) == Giver::user && !parameter.has_default)
             return stop(Stage::missing, i, 0);
+    }
+    for (size_t i = 0; i < declaration.parameter_count; ++i) {
+        const kzb_parameter &parameter = declaration.parameters[i];
+        if (given[i] == nullptr) {
+            if (!parameter.has_default) result.arguments.push_back({parameter.name, giver_of(parameter), {}});
+            continue;
         }
+        if (!fits(given[i]->value.get(), parameter.type))
+            return stop(Stage::no_fit, i, static_cast<size_t>(given[i] - written.data()));
+        result.arguments.push_back({parameter.name, Giver::user, given[i]->value});
     }
     return stop(Stage::fits, 0, 0);
 }
@@ -98,16 +100,16 @@ std::string usages(const Method &method) {
         fail(Exit::usage, "it has no argument named " + unknown + (hint.empty() ? usages(method) : hint));
     }
     case Stage::too_many:
-        fail(Exit::usage,
-             "'" + written[attempt.argument].text + "' is more than it takes" + usages(method));
-    case Stage::given_twice: fail(Exit::usage, "the argument " + name + " is given twice" + usages(method));
+        fail(Exit::usage, "'" + written[attempt.argument].text + "' is more than it takes" + usages(method));
+    case Stage::given_twice:
+        fail(Exit::usage, "the argument " + name + " is given twice" + usages(method));
     case Stage::missing:
-        fail(Exit::usage,
-             "the argument " + name + " (" + describe(parameter.type) + ") is missing" + usages(method));
+        fail(Exit::usage, "the argument " + name + " (" + describe(parameter.type) + ") is missing" + usages(method));
     case Stage::no_fit:
-        fail(Exit::usage, "the argument " + name + " is '" + written[attempt.argument].text + "', and " +
-                              describe(parameter.type) + " is expected");
-    case Stage::fits: break;
+        fail(Exit::usage, "the argument " + name + " must be " + describe(parameter.type) + ", not '" +
+                              written[attempt.argument].text + "'");
+    case Stage::fits:
+        break;
     }
     fail(Exit::usage, "it cannot be used" + usages(method));
 }
@@ -121,8 +123,8 @@ Attempt choose(const Method &method, const std::vector<WrittenArgument> &written
         if (best.form == nullptr || comes_further(next, best)) best = std::move(next);
     }
     if (best.form == nullptr)
-        fail(Exit::usage, "it cannot be a step: it " + method.forms.front().obstacle() +
-                              "; 'kzb list' shows the methods that can");
+        fail(Exit::usage,
+             "it cannot be a step: it " + method.forms.front().obstacle() + "; 'kzb list' shows the methods that can");
     if (best.stage != Stage::fits) tell(method, best, written);
     return best;
 }

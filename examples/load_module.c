@@ -26,8 +26,7 @@ static int brighten(KZBObject image, kzb_error *error) {
     if (!done) return 0;
 
     /* The arguments by name; dest is nil, so that the filter makes a new image. */
-    kzb_value arguments[] = {{.kind = KZB_NIL, .name = "dest"},
-                             {.kind = KZB_DOUBLE, .name = "gamma", .number = 2.2}};
+    kzb_value arguments[] = {{.kind = KZB_NIL, .name = "dest"}, {.kind = KZB_DOUBLE, .name = "gamma", .number = 2.2}};
     kzb_value brighter, row;
     if (!kzb_call(image, "GammaFilter", arguments, 2, &brighter, error)) return 0;
     done = kzb_call(brighter.object, "Row", &first, 1, &row, error);

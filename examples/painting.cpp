@@ -16,7 +16,9 @@ uint32_t hash(int x, int y) {
     return h ^ (h >> 16);
 }
 
-float lattice(int x, int y) { return static_cast<float>(hash(x, y) >> 8) / 16777216.0f; }
+float lattice(int x, int y) {
+    return static_cast<float>(hash(x, y) >> 8) / 16777216.0f;
+}
 
 float value_noise(float x, float y) {
     const float left = std::floor(x), top = std::floor(y);
@@ -27,7 +29,9 @@ float value_noise(float x, float y) {
     return above + (below - above) * v;
 }
 
-uint8_t to_byte(float value) { return static_cast<uint8_t>(clamp(value) * 255.0f + 0.5f); }
+uint8_t to_byte(float value) {
+    return static_cast<uint8_t>(clamp(value) * 255.0f + 0.5f);
+}
 
 uint8_t *row_of(KZBPicture picture, int y) {
     const GWorld *world = kzb_picture_world(picture);
@@ -43,7 +47,9 @@ void release(KZBPicture picture) {
 
 } // namespace
 
-float clamp(float value) { return std::min(std::max(value, 0.0f), 1.0f); }
+float clamp(float value) {
+    return std::min(std::max(value, 0.0f), 1.0f);
+}
 
 float smooth(float from, float to, float value) {
     const float t = clamp((value - from) / (to - from));
@@ -55,7 +61,9 @@ Colour mix(Colour from, Colour to, float share) {
             from.blue + (to.blue - from.blue) * share};
 }
 
-Colour scale(Colour colour, float factor) { return {colour.red * factor, colour.green * factor, colour.blue * factor}; }
+Colour scale(Colour colour, float factor) {
+    return {colour.red * factor, colour.green * factor, colour.blue * factor};
+}
 
 float cloud_noise(float x, float y, int octaves) {
     float sum = 0, weight = 0.5f, total = 0;

@@ -16,7 +16,7 @@ struct Point {
     float x, y; // in heights of the picture, from the top left corner
 };
 
-float clamp(float value); // to 0 to 1
+float clamp(float value);                        // to 0 to 1
 float smooth(float from, float to, float value); // 0 below `from`, 1 above `to`, an s-curve between
 Colour mix(Colour from, Colour to, float share);
 Colour scale(Colour colour, float factor);
@@ -52,7 +52,9 @@ public:
     bool write(const char *path, const std::function<float(float x, float y)> &alpha_at, std::string &mistake) const;
 
 private:
-    Colour &pixel(int x, int y) { return pixels_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)]; }
+    Colour &pixel(int x, int y) {
+        return pixels_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)];
+    }
     float position(int index) const { return (static_cast<float>(index) + 0.5f) / height(); }
 
     int width_, height_;

@@ -77,8 +77,8 @@ void paint_balloon(Canvas &canvas) {
     const float radius = 0.115f;
     const Point basket = {centre.x, centre.y + radius * 1.75f};
     for (float side : {-0.7f, -0.25f, 0.25f, 0.7f})
-        canvas.line({centre.x + side * radius, centre.y + radius * 0.72f}, {basket.x + side * 0.018f, basket.y}, 0.0012f,
-                    {0.15f, 0.12f, 0.10f});
+        canvas.line({centre.x + side * radius, centre.y + radius * 0.72f}, {basket.x + side * 0.018f, basket.y},
+                    0.0012f, {0.15f, 0.12f, 0.10f});
     const Colour stripes[] = {{0.83f, 0.13f, 0.12f}, {0.97f, 0.93f, 0.84f}, {0.93f, 0.66f, 0.10f}};
     canvas.shape({centre.x - radius, centre.y - radius}, {centre.x + radius, centre.y + radius * 1.35f},
                  [&](Point p, Colour &colour) {
@@ -89,7 +89,9 @@ void paint_balloon(Canvas &canvas) {
                      colour = scale(stripes[stripe % 3], 0.72f + 0.28f * clamp(0.6f + 0.7f * x));
                      return true;
                  });
-    canvas.polygon({{basket.x - 0.018f, basket.y}, {basket.x + 0.018f, basket.y}, {basket.x + 0.014f, basket.y + 0.028f},
+    canvas.polygon({{basket.x - 0.018f, basket.y},
+                    {basket.x + 0.018f, basket.y},
+                    {basket.x + 0.014f, basket.y + 0.028f},
                     {basket.x - 0.014f, basket.y + 0.028f}},
                    {0.42f, 0.26f, 0.12f});
 }
@@ -126,9 +128,9 @@ void paint_fence(Canvas &canvas) {
             canvas.line(sag, to, 0.0009f, {0.78f, 0.76f, 0.72f});
         }
         const float top = post_top(x), lean = random.next(-0.004f, 0.004f);
-        canvas.polygon({{x - 0.005f + lean, top}, {x + 0.005f + lean, top}, {x + 0.006f, top + 0.11f},
-                        {x - 0.006f, top + 0.11f}},
-                       {0.36f, 0.29f, 0.22f});
+        canvas.polygon(
+            {{x - 0.005f + lean, top}, {x + 0.005f + lean, top}, {x + 0.006f, top + 0.11f}, {x - 0.006f, top + 0.11f}},
+            {0.36f, 0.29f, 0.22f});
     }
 }
 
@@ -141,8 +143,8 @@ void paint_grass(Canvas &canvas) {
         Point at = {random.next(-0.05f, canvas.width_in_heights() + 0.05f), meadow + 0.02f + near * 0.26f};
         const float length = (0.015f + 0.075f * near) * random.next(0.6f, 1.3f);
         const float lean = random.next(-0.6f, 0.9f), thickness = 0.0006f + 0.0022f * near;
-        const Colour colour = scale(mix({0.20f, 0.38f, 0.10f}, {0.72f, 0.68f, 0.25f}, random.next(0.0f, 1.0f)),
-                                    random.next(0.45f, 1.1f));
+        const Colour colour =
+            scale(mix({0.20f, 0.38f, 0.10f}, {0.72f, 0.68f, 0.25f}, random.next(0.0f, 1.0f)), random.next(0.45f, 1.1f));
         constexpr int parts = 5;
         for (int part = 0; part < parts; ++part) {
             const float t = static_cast<float>(part) / parts;
@@ -186,7 +188,9 @@ int main(int count, char **arguments) {
     paint_fence(canvas);
     paint_grass(canvas);
     std::string mistake;
-    if (canvas.write(arguments[1], [&](float x, float y) { return opacity(canvas, x, y); }, mistake)) return 0;
+    if (canvas.write(
+            arguments[1], [&](float x, float y) { return opacity(canvas, x, y); }, mistake))
+        return 0;
     std::fprintf(stderr, "sample_photograph: %s\n", mistake.c_str());
     return 1;
 }

@@ -83,10 +83,12 @@ typedef struct kzb_module kzb_module;
 
 /* Loads the module at `path` and starts it. Several may be loaded at a time; where two register a class of the same
  * name, the later one's is found. Each step fails with its own sentence: no such file, not a library, no
- * REALPluginMain, a wrong interface version, nothing registered, a nil where a record needs a value. */
+ * REALPluginMain, a wrong interface version, nothing registered, a nil or an unreadable text where a record needs a
+ * value. A module that is loaded already is refused. */
 KZB_API kzb_module *kzb_module_load(const char *path, kzb_error *error);
 
-/* Forgets the module's classes and unloads it. All its objects must have been released. Nil is ignored. */
+/* Forgets the module's classes and unloads it. All its objects must have been released, and none of its methods may be
+ * running; otherwise that is reported as a misuse and the library stays in memory. Nil is ignored. */
 KZB_API void kzb_module_unload(kzb_module *module);
 
 /* A file-backed image that is closed and then destroyed closes descriptor 0 the second time. Before the first module

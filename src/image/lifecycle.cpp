@@ -14,6 +14,25 @@ constexpr int64_t row_alignment = 64;
 // Drops the reference that a record's field holds.
 template <class T> void drop(T &field) { Reference<T>::adopt(std::exchange(field, nullptr)); }
 
+// Drops a view's parent. The parent may go with it and drop its own, and so on: however long the chain, one at a time.
+void drop_parent(ImageObject &field) {
+    static constinit bool dropping = false;
+    static constinit ImageObject next = nullptr;
+    ImageObject parent = std::exchange(field, nullptr);
+    if (dropping && next == nullptr) {
+        next = parent;
+        return;
+    }
+    const bool outermost = !std::exchange(dropping, true);
+    drop(parent);
+    if (!outermost) return;
+    while (next != nullptr) {
+        ImageObject following = std::exchange(next, nullptr);
+        drop(following);
+    }
+    dropping = false;
+}
+
 } // namespace
 
 uint8_t *memory_row(ImageRecord &image, int32_t row) {
@@ -85,7 +104,7 @@ void close_record(ImageRecord &image) {
     image.owns_buffer = 0;
     image.pixel_buffer = nullptr;
     image.row_accessor = nullptr;
-    drop(image.Parent);
+    drop_parent(image.Parent);
     drop(image.MemoryTarget);
     drop(image.backing_folder_item);
     drop(image.Target);

@@ -68,6 +68,11 @@ TEST_F(Audit, ReportsAWriteAfterTheRelease) {
     expected_misuses = {"a released String was written to"};
 }
 
+TEST_F(Audit, LooksForWritesAfterTheReleaseWhenAModuleIsUnloaded) {
+    call("WriteToReleased");
+    expected_misuses = {"a released String was written to"};
+}
+
 TEST_F(Audit, ReportsADestructorThatKeepsItsObject) {
     call("KeepItself");
     sampler = nil();

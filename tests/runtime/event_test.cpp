@@ -104,15 +104,18 @@ TEST_F(Event, YieldsAreCountedAndCalledBack) {
     EXPECT_EQ(kzb_yield_count(), before + 5);
 }
 
+size_t alive_during_call = 0;
+
 TEST_F(Event, TheObjectOfACallOutlivesIt) {
     kzb_on_yield(
         [](void *mine) {
             *static_cast<Value *>(mine) = nil();
+            alive_during_call = kzb_live_count("Sampler");
             return 1;
         },
         &sampler);
-    KZBObject object = sampler->object;
-    EXPECT_TRUE(kzb_call(object, "RaiseAndYield", nullptr, 0, nullptr, &error) == 0);
+    EXPECT_TRUE(kzb_call(sampler->object, "Yield", nullptr, 0, nullptr, &error)) << error.message;
+    EXPECT_EQ(alive_during_call, 1U);
     EXPECT_EQ(kzb_live_count("Sampler"), 0U);
 }
 

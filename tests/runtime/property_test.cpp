@@ -141,6 +141,15 @@ TEST_F(Property, AnAssignedReferenceThatIsGoneFromItsPlaceIsNotDropped) {
     kzb_release(&extra);
 }
 
+TEST_F(Property, AReferenceThatTheModulePutInItsPlaceIsNotDropped) {
+    Value other = make(integer(1));
+    set("Other", make(integer(2)));
+    call("AdoptOther", other);
+    EXPECT_EQ(kzb_live_count("Sampler"), 2U);
+    sampler = nil();
+    EXPECT_EQ(kzb_live_count("Sampler"), 1U);
+}
+
 TEST_F(Property, AssigningAnObjectToItselfKeepsIt) {
     set("Other", make(integer(3)));
     Value other = get("Other");

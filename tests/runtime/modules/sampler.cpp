@@ -32,6 +32,7 @@ struct Sampler {
     KZBString texts[2];
     int32_t computed;
     int32_t secret;
+    uint8_t owns_other;
     uint8_t keeps_itself;
     uint8_t releases_itself;
     uint8_t closes_descriptor;
@@ -66,6 +67,7 @@ void destructor(KZBObject object) {
     ++destroyed;
     Sampler &s = data(object);
     for (KZBString string : s.texts) HOST(REALUnlockString)(string);
+    if (s.owns_other) HOST(REALUnlockObject)(s.other);
     if (s.keeps_itself) HOST(REALLockObject)(object);
     if (s.releases_itself) HOST(REALUnlockObject)(object);
     if (s.closes_descriptor) close(0);
@@ -368,6 +370,14 @@ void close_descriptor(KZBObject) {
 void close_descriptor_at_the_end(KZBObject object) {
     data(object).closes_descriptor = 1;
 }
+// Drops what was assigned and holds a reference of its own there, which the destructor drops but leaves in place.
+void adopt_other(KZBObject object, KZBObject other) {
+    HOST(REALUnlockObject)(data(object).other);
+    HOST(REALLockObject)(other);
+    data(object).other = other;
+    data(object).owns_other = 1;
+}
+
 void forget_other(KZBObject object) {
     data(object).other = nullptr;
 }
@@ -490,10 +500,10 @@ MethodDefinition methods[] = {
     {erased(kind_array), nullptr, "Kind(v() as integer) as string", 0},
     {erased(kind_number), nullptr, "Number(v as double) as string", 0},
     {erased(kind_wide), nullptr, "Number(v as int64) as string", 0},
-    {erased(pick_none), nullptr, "Pick as string", 0},
-    {erased(pick_one), nullptr, "Pick(a as integer) as string", 0},
     {erased(pick_optional), nullptr,
      "Pick(a as integer=1, b as integer=2, c as integer=3, last as integer=4) as string", 0},
+    {erased(pick_none), nullptr, "Pick as string", 0},
+    {erased(pick_one), nullptr, "Pick(a as integer) as string", 0},
     {erased(item), erased(set_item), "Item(index as integer) as integer", 0},
     {erased(string_at), erased(set_string_at), "StringAt(index as integer) as string", 0},
     {erased(raise_two), nullptr, "RaiseTwo as Sampler", 0},
@@ -516,6 +526,7 @@ MethodDefinition methods[] = {
     {erased(close_descriptor), nullptr, "CloseDescriptor", 0},
     {erased(close_descriptor_at_the_end), nullptr, "CloseDescriptorAtTheEnd", 0},
     {erased(forget_other), nullptr, "ForgetOther", 0},
+    {erased(adopt_other), nullptr, "AdoptOther(other as Sampler)", 0},
 };
 
 ConstantDefinition constants[] = {

@@ -1,0 +1,165 @@
+// Mistakes in a command line, each told in one line that names what is wrong and how it is right.
+
+#include "cli/command.h"
+
+#include <algorithm>
+
+namespace kzb::test {
+
+namespace {
+
+struct Mistake {
+    std::vector<std::string> words;
+    std::vector<std::string> told;
+};
+
+class Mistakes : public CommandTest {
+protected:
+    void expect(const std::vector<Mistake> &mistakes) const {
+        for (const Mistake &mistake : mistakes) {
+            const Outcome outcome = run(mistake.words);
+            const std::string line = testing::PrintToString(mistake.words) + "\n" + outcome.err;
+            EXPECT_EQ(outcome.exit, 2) << line;
+            EXPECT_EQ(outcome.out, "") << line;
+            EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << line;
+            for (const std::string &part : mistake.told)
+                EXPECT_NE(outcome.err.find(part), std::string::npos) << part << "\n" << line;
+        }
+        EXPECT_EQ(files(), (std::vector<std::string>{"alpha.png", "plain.png"}));
+    }
+
+    // The mistake in one step, with the rest of the line right.
+    static Mistake in_step(std::vector<std::string> step, std::vector<std::string> told) {
+        std::vector<std::string> words = {"plain.png", "-o", "out.png", ":"};
+        words.insert(words.end(), step.begin(), step.end());
+        return {words, std::move(told)};
+    }
+};
+
+TEST_F(Mistakes, InTheFrameOfTheLine) {
+    expect({
+        {{"-o", "out.png"}, {"there is no INPUT"}},
+        {{":", "HMirror", "-o", "out.png"}, {"there is no INPUT"}},
+        {{"plain.png"}, {"the OUTPUT is missing", "-o FILE"}},
+        {{"plain.png", ":", "Invert"}, {"the OUTPUT is missing"}},
+        {{"plain.png", "Invert", "-o", "out.png"}, {"plain.png", "'Invert'", "':' that stands alone"}},
+        {{"plain.png", ":Invert", "-o", "out.png"}, {"':Invert'", "':' that stands alone"}},
+        {{"plain.png", ":", "-o", "out.png"}, {"step 1 is empty"}},
+        {{"plain.png", ":", "Invert", ":", ":", "Invert", "-o", "out.png"}, {"step 2 is empty"}},
+        {{"list", "tone"}, {"'kzb list' takes nothing", "kzb help tone"}},
+        {{"help", "Invert", "Row"}, {"one METHOD"}},
+    });
+}
+
+TEST_F(Mistakes, InOptions) {
+    expect({
+        {{"plain.png", "--ouput", "out.png"}, {"no option --ouput", "did you mean --output?"}},
+        {{"plain.png", "--ouput=out.png"}, {"no option --ouput;", "did you mean --output?"}},
+        {{"plain.png", "-x", "-o", "out.png"}, {"no option -x", "--help"}},
+        {{"plain.png", ":", "Invert", "-x", "-o", "out.png"}, {"no option -x"}},
+        {{"plain.png", "-o"}, {"-o needs a value"}},
+        {{"plain.png", "-o", ":", "Invert"}, {"-o needs a value"}},
+        {{"plain.png", "-o", "out.png", "-o", "two.png"}, {"--output"}},
+        {{"plain.png", "-o", "out.jpg", "--quality", "101"}, {"--quality", "101", "1"}},
+        {{"plain.png", "-o", "out.jpg", "--quality", "good"}, {"--quality", "good"}},
+        {{"plain.png", "-o", "out.png", "--max-pixels", "0"}, {"--max-pixels"}},
+        {{"plain.png", "-o", "out.png", "--quiet=maybe"}, {"quiet"}},
+    });
+}
+
+TEST_F(Mistakes, InTheEndingOfTheOutputAreToldBeforeAnyWork) {
+    expect({
+        {{"none.png", "-o", "out.bmp"}, {"out.bmp", ".png, .jpg or .jpeg"}},
+        {{"none.png", "-o", "out"}, {"out:", ".png, .jpg or .jpeg"}},
+        {{"none.png", "-o", "a.png/out"}, {"a.png/out:", ".png, .jpg or .jpeg"}},
+    });
+}
+
+TEST_F(Mistakes, InTheNameOfAMethod) {
+    expect({
+        in_step({"GamaFilter", "2"}, {"step 1, GamaFilter", "no such method", "did you mean GammaFilter?"}),
+        in_step({"Invert", ":", "invret"}, {"step 2, invret", "did you mean Invert?"}),
+        in_step({"Quantum"}, {"step 1, Quantum", "kzb list"}),
+        in_step({"GammaFilter 2"}, {"step 1, GammaFilter 2", "leave out the quotes"}),
+    });
+}
+
+TEST_F(Mistakes, MethodsThatCannotBeStepsSayWhy) {
+    expect({
+        in_step({"Constructor", "1", "1", "1"}, {"step 1, Constructor", "makes a picture"}),
+        in_step({"Close"}, {"ends a picture"}),
+        in_step({"RawRow", "1"}, {"gives a memoryblock"}),
+        in_step({"DataStringInFormat", "1"}, {"gives a string"}),
+        in_step({"DrawPictureRGB", "nil", "0", "0", "1", "1"}, {"needs pic, a picture"}),
+    });
+}
+
+TEST_F(Mistakes, InTheNumberOfArguments) {
+    expect({
+        in_step({"GammaFilter"}, {"step 1, GammaFilter: the argument", "is missing", "GammaFilter gamma alphaGamma"}),
+        in_step({"GainFilter", "0.5"}, {"the argument bias (a number) is missing", "write GainFilter gain bias"}),
+        in_step({"SolarizeFilter", "1"}, {"'1' is more than it takes", "write SolarizeFilter"}),
+        in_step({"GammaFilter", "1", "2", "3", "4", "5"}, {"'5' is more than it takes"}),
+    });
+}
+
+TEST_F(Mistakes, InTheNamesOfArguments) {
+    expect({
+        in_step({"GammaFilter", "gama=2"}, {"no argument named gama", "did you mean gamma?"}),
+        in_step({"GainFilter", "strength=2", "1"}, {"'1' has no name but stands after a named argument"}),
+        in_step({"GainFilter", "strength=2"}, {"no argument named strength", "write GainFilter gain bias"}),
+        in_step({"GainFilter", "0.5", "gain=0.5"}, {"the argument gain is given twice"}),
+        in_step({"GainFilter", "0.5", "bias="}, {"the argument bias has no value", "bias=value"}),
+    });
+}
+
+TEST_F(Mistakes, InTheTypesOfArguments) {
+    expect({
+        in_step({"FillRect", "1.5"}, {"the argument value must be ", "a whole number", "not '1.5'"}),
+        in_step({"FillRect", "true"}, {"the argument value must be ", "a whole number", "not 'true'"}),
+        in_step({"FillRect", "#ffffff"}, {"the argument value must be ", "a whole number", "not '#ffffff'"}),
+        in_step({"FillRect", "4294967296"}, {"not '4294967296'", "from -2147483648 to 2147483647"}),
+        in_step({"FillRect", "[1]"}, {"'[1]'", "a whole number"}),
+        in_step({"GainFilter", "0.5", "nil"}, {"the argument bias must be ", "a number", "not 'nil'"}),
+        in_step({"GainFilter", "bias=#000000", "gain=1"}, {"the argument bias must be ", "a number", "not '#000000'"}),
+        in_step({"TransferFilter", "3"}, {"the argument gray must be ", "an array of whole numbers", "not '3'"}),
+        in_step({"FillRectRGB", "&hFF000000"}, {"the argument FillColor must be ", "a colour", "not '&hFF000000'"}),
+        in_step({"SolarizeFilter", "dest=1"}, {"the argument dest must be ", "nil", "not '1'"}),
+    });
+}
+
+TEST_F(Mistakes, InTheTextOfArguments) {
+    expect({
+        in_step({"CreatePictureKZB", "1", "1", "ImageFormatRBG"}, {"'ImageFormatRBG'", "did you mean ImageFormatRGB?"}),
+        in_step({"FillRect", "much"}, {"'much' is neither a number nor a constant"}),
+        in_step({"FillRect", "12..5"}, {"'12..5' is no value"}),
+        in_step({"FillRect", "0x10"}, {"'0x10' is no value"}),
+        in_step({"FillRect", "+-1"}, {"'+-1' is no value"}),
+        in_step({"FillRect", "nan"}, {"'nan' is neither"}),
+        in_step({"FillRect", ""}, {"'' is no value"}),
+        in_step({"FillRectRGB", "#12345"}, {"'#12345' is no value", "#RRGGBB"}),
+        in_step({"FillRectRGB", "#12345g"}, {"'#12345g' is no value"}),
+        in_step({"FillRect", "&h"}, {"'&h' is no value"}),
+        in_step({"FillRect", "&h123456789"}, {"'&h123456789' is no value"}),
+        in_step({"FillRect", "1", ":Invert"}, {"':Invert'", "stands alone"}),
+        in_step({"FillRect", "1:", "Invert"}, {"'1:'", "stands alone"}),
+        in_step({"TransferFilter", "[1,2"}, {"the array [1,2", "lacks its ']'"}),
+        in_step({"TransferFilter", "[1,two]"}, {"the array [1,two]", "'two'"}),
+        in_step({"TransferFilter", "[1,,2]"}, {"the array [1,,2]", "''"}),
+        in_step({"TransferFilter", "[1,2,]"}, {"the array [1,2,]", "ends with a comma"}),
+        in_step({"TransferFilter", "[2147483648]"}, {"'2147483648'"}),
+    });
+}
+
+TEST_F(Mistakes, AreToldBeforeTheInputIsRead) {
+    expect({{{"none.png", ":", "Invert", ":", "Invret", "-o", "out.png"}, {"step 2, Invret"}}});
+}
+
+TEST_F(Mistakes, InOptionsAfterTheDoubleDashAreArguments) {
+    expect({{{"plain.png", ":", "FillRect", "--", "1", "-o", "out.png"}, {"the OUTPUT is missing"}},
+            {{"-o", "out.png", "plain.png", ":", "FillRect", "--", "-x"}, {"'-x' is no value"}}});
+}
+
+} // namespace
+
+} // namespace kzb::test
