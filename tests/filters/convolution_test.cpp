@@ -102,6 +102,26 @@ TEST(ApplyMatrix, SumsBeyond16Bits) {
                       -100, 1.0);
 }
 
+TEST(ApplyMatrix, SumsAroundTheLimitsOf16Bits) {
+    // On white, 128 in weights is the last sum that fits.
+    for (int32_t all : {127, 128, 129, 130, 255, 256, 257, 258}) {
+        for (int32_t sign : {1, -1}) {
+            Weights weights = weights_of(sign * (all / 2), 0);
+            weights[13] = sign * (all - all / 2);
+            const Image white(40, 3, 11), dest(40, 3, 11);
+            white.call("FillRect", 255);
+            white.call("ApplyMatrix", dest, array_of(weights), 0, sign / 129.0);
+            EXPECT_EQ(row_start(dest, 1, 40), Bytes(40, result_of(static_cast<uint32_t>(255 * all), 0, 1 / 129.0)))
+                << sign * all;
+            check_one({[&](const Image &source, const Value &to) {
+                           return source.call("ApplyMatrix", to, array_of(weights), 0, sign / 129.0);
+                       },
+                       convolution(weights, 0, sign / 129.0)},
+                      white, white, "in place");
+        }
+    }
+}
+
 TEST(ApplyMatrix, SumsWrapAroundAt32Bits) {
     Weights weights = weights_of(-70000, 3);
     weights[6] = INT32_MIN;
