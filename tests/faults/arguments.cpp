@@ -30,6 +30,7 @@ KZBObject call_handler(KZBObject factory_object, int32_t width, int32_t height, 
     const Handler handler = found->second;
     try {
         const Value image = handler(width, height, format);
+        kzb_class_name(factory_object); // the host reports it when the factory is gone while its handler runs
         const kzb_value given = image.raw();
         kzb_retain(&given);
         return image.object();

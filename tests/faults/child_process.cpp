@@ -22,8 +22,8 @@ constexpr unsigned longest_seconds = 120;
 constexpr int most_failures = 10;
 
 SharedNotes &shared_notes() {
-    static auto *notes = static_cast<SharedNotes *>(mmap(nullptr, sizeof(SharedNotes), PROT_READ | PROT_WRITE,
-                                                         MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+    static auto *notes = static_cast<SharedNotes *>(
+        mmap(nullptr, sizeof(SharedNotes), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
     return *notes;
 }
 

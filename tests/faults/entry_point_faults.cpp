@@ -18,12 +18,11 @@ namespace {
     apply(PluginNewInstance) apply(REALLockObject) apply(REALUnlockObject) apply(REALBuildString)                      \
         apply(REALUnlockString) apply(REALSetStringEncoding) apply(REALConvertString) apply(REALSetPropValueString)    \
             apply(REALGetPropValueInt) apply(RuntimeRaiseException) apply(GetEventInstance) apply(newMemoryBlock)      \
-                apply(memoryBlockGetPtr) apply(PtrToMemoryBlock) apply(RuntimeUBound)                                  \
-                    apply(RuntimeDirectReadIntArray) apply(REALYieldToRB) apply(REALFSRefFromFolderItem)               \
-                        apply(REALFSSpecFromFolderItem) apply(REALLoadObjectMethod) apply(newPicture)                  \
-                            apply(REALBuildPictureFromGWorld) apply(lockPictureDescription)                            \
-                                apply(unlockPictureDescription) apply(pluginPictureGraphicsGetter)                     \
-                                    apply(REALGetPictureMask)
+                apply(memoryBlockGetPtr) apply(PtrToMemoryBlock) apply(RuntimeUBound) apply(RuntimeDirectReadIntArray) \
+                    apply(REALYieldToRB) apply(REALFSRefFromFolderItem) apply(REALFSSpecFromFolderItem)                \
+                        apply(REALLoadObjectMethod) apply(newPicture) apply(REALBuildPictureFromGWorld)                \
+                            apply(lockPictureDescription) apply(unlockPictureDescription)                              \
+                                apply(pluginPictureGraphicsGetter) apply(REALGetPictureMask)
 
 enum Index : size_t {
 #define KZB_INDEX(name) index_of_##name,
@@ -87,6 +86,11 @@ template <size_t index, class Function> void *wrapper(const char *name) {
 const char *hidden = nullptr;
 uint64_t asked = 0;
 
+std::vector<std::string> &other_names() {
+    static auto &names_asked = *new std::vector<std::string>;
+    return names_asked;
+}
+
 void *resolve(const char *name) {
     if (hidden != nullptr && std::strcmp(hidden, name) == 0) {
         ++asked;
@@ -96,6 +100,7 @@ void *resolve(const char *name) {
     if (std::strcmp(name, #entry) == 0) return wrapper<index_of_##entry, entry##Function>(name);
     KZB_EVERY_ENTRY_POINT(KZB_WRAPPED)
 #undef KZB_WRAPPED
+    other_names().push_back(name);
     return kzb_host_entry(name);
 }
 
@@ -116,6 +121,10 @@ size_t entry_point_index(const char *name) {
     for (size_t i = 0; i < index_count; ++i)
         if (std::strcmp(names[i], name) == 0) return i;
     throw std::runtime_error(std::string("no entry point ") + name);
+}
+
+const std::vector<std::string> &other_names_asked_for() {
+    return other_names();
 }
 
 bool can_fail(size_t index) {

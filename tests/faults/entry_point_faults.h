@@ -34,6 +34,9 @@ public:
     bool reached() const;
 };
 
+// Names that the module has asked for beside these.
+const std::vector<std::string> &other_names_asked_for();
+
 // A resolver that hides one entry point from modules that are loaded from now on; nil: hides none.
 void hide_entry_point(const char *name);
 

@@ -6,15 +6,15 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <iostream>
+#include <optional>
 #include <set>
 
 namespace kzb::test {
 namespace {
 
-// Entry points whose failing shows in pixels: what is drawn is not, or drawn with its mask instead of being read; a mask
-// is not there; numbers are missing; an image comes from memory instead of a factory.
+// Entry points whose failing shows in pixels: what is drawn is not, or drawn with its mask instead of being read; a
+// mask is not there; numbers are missing; an image comes from memory instead of a factory.
 Shortage looseness(size_t index, const Row &row) {
     static const std::set<std::string> shown_in_pixels = {
         "REALLoadObjectMethod",      "pluginPictureGraphicsGetter", "REALGetPictureMask", "RuntimeUBound",
@@ -22,7 +22,7 @@ Shortage looseness(size_t index, const Row &row) {
     return shown_in_pixels.count(entry_point_name(index)) ? Shortage::pixels : row.shortage;
 }
 
-// The call with the entry point failing; whether it came to that.
+// The call, and the release of its result and its arguments, with the entry point failing; whether it came to that.
 bool run_failing(const Row &row, const Undisturbed &known, size_t index, uint64_t first, bool all_later,
                  Report &report) {
     report.step(row.variant + ", " + entry_point_name(index) + (all_later ? " from call " : " at call ") +
@@ -30,13 +30,15 @@ bool run_failing(const Row &row, const Undisturbed &known, size_t index, uint64_
     Watch watch;
     bool reached = false;
     {
-        const Call call = arrange(row);
+        std::optional<Call> call = arrange(row);
         EntryPointFault fault(index, first, all_later);
-        const Done done = perform(row, call);
-        reached = fault.reached();
-        const std::string wrong =
-            judge(row, looseness(index, row), known.before, known.right, observe(done, call));
+        std::optional<Done> done = perform(row, *call);
+        const std::string wrong = judge(row, looseness(index, row), known.before, known.right, observe(*done, *call));
         if (!wrong.empty()) report.fail(wrong);
+        done.reset();
+        call.reset();
+        clean_up();
+        reached = fault.reached();
     }
     if (const std::string difference = watch.difference(); !difference.empty()) report.fail(difference);
     report.count(reached);
@@ -51,7 +53,7 @@ TEST(EntryPoints, EachCallFailingInTurn) {
             uint64_t n = 1;
             while (run_failing(row, known, index, n, false, report)) ++n;
             // From the last call on is the same as at the last call.
-            for (uint64_t k = 1; k + 2 < n; ++k) run_failing(row, known, index, k, true, report);
+            for (uint64_t k = 1; k + 1 < n; ++k) run_failing(row, known, index, k, true, report);
         }
     });
     std::cout << faults << " calls of entry points failed\n";
@@ -63,20 +65,12 @@ TEST(EntryPoints, EachCallFailingInTurn) {
 TEST(EntryPoints, EachIsCalledBySomeRow) {
     for (const Row &row : method_table()) undisturbed(row);
     const std::set<std::string> rare = {"REALConvertString", "REALFSSpecFromFolderItem"};
+    const std::vector<std::string> of_start_up = {"RegisterPluginVersion", "REALGetRBVersion", "PluginRegisterClass"};
+    EXPECT_EQ(other_names_asked_for(), of_start_up) << "an entry point that these tests do not know";
     for (size_t index = 0; index < entry_point_count(); ++index) {
         const char *name = entry_point_name(index);
         EXPECT_TRUE(rare.count(name) || calls_of_entry_point(index) > 0) << name;
     }
-}
-
-// Loads a copy of the module, whose entry points have not been looked up, and makes it the module under test.
-void load_copy() {
-    const std::string copy = scratch_path() + ".so";
-    std::filesystem::copy_file(KZB_TEST_MODULE, copy);
-    kzb_error error = {};
-    module_under_test = kzb_module_load(copy.c_str(), &error);
-    std::filesystem::remove(copy);
-    if (module_under_test == nullptr) throw std::runtime_error(error.message);
 }
 
 class Missing : public testing::TestWithParam<size_t> {};
@@ -88,7 +82,8 @@ TEST_P(Missing, IsSurvivedByEveryMethod) {
     scratch_files();
     const uint64_t calls = in_child(name, [&](Report &report) {
         hide_entry_point(name.c_str());
-        load_copy();
+        load_copy(KZB_TEST_MODULE);
+        if (module_under_test == nullptr) return report.fail("the module cannot be loaded");
         for (const Row &row : method_table()) {
             report.step(row.name());
             Watch watch;

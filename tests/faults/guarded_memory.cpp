@@ -22,16 +22,21 @@ bool is_pattern(const uint8_t *start, const uint8_t *end) {
 
 } // namespace
 
+uint8_t *GuardedMemory::pages_of(size_t length) {
+    if (const auto found = free_pages_.find(length); found != free_pages_.end()) {
+        uint8_t *pages = found->second;
+        free_pages_.erase(found);
+        return pages;
+    }
+    void *mapping = mmap(nullptr, length, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return mapping == MAP_FAILED ? nullptr : static_cast<uint8_t *>(mapping);
+}
+
 uint8_t *GuardedMemory::take(size_t size, size_t alignment) {
     const size_t room = (std::max<size_t>(size, 1) + page_size() - 1) / page_size() * page_size();
     const size_t length = room + 2 * page_size();
-    void *mapping = mmap(nullptr, length, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (mapping == MAP_FAILED) return nullptr;
-    auto *pages = static_cast<uint8_t *>(mapping);
-    if (mprotect(pages + page_size(), room, PROT_READ | PROT_WRITE) != 0) {
-        munmap(pages, length);
-        return nullptr;
-    }
+    uint8_t *pages = pages_of(length);
+    if (pages == nullptr || mprotect(pages + page_size(), room, PROT_READ | PROT_WRITE) != 0) return nullptr;
     uint8_t *start = pages + page_size() + (room - size) / alignment * alignment;
     std::memset(pages + page_size(), pattern, room);
     std::memset(start, 0, size);
@@ -55,20 +60,18 @@ bool GuardedMemory::give_back(void *start) {
 }
 
 void GuardedMemory::forget() {
-    std::erase_if(pieces_, [](const auto &entry) {
+    std::erase_if(pieces_, [this](const auto &entry) {
         const Piece &piece = entry.second;
-        if (piece.given_back) munmap(piece.pages, piece.length);
+        if (piece.given_back) free_pages_.emplace(piece.length, piece.pages);
         return piece.given_back;
     });
 }
 
 bool GuardedMemory::empty() {
     bool sound = true;
-    for (const auto &[start, piece] : pieces_) {
-        sound = sound && (piece.given_back || is_sound(start, piece));
-        munmap(piece.pages, piece.length);
-    }
-    pieces_.clear();
+    for (const auto &[start, piece] : pieces_)
+        if (!piece.given_back) sound = give_back(start) && sound;
+    forget();
     return sound;
 }
 

@@ -17,12 +17,12 @@ public:
 
     // False when bytes around the piece have been written to. Only for pieces of this memory.
     bool give_back(void *start);
-    bool owns(const void *start) const { return pieces_.count(start) != 0; }
+    bool owns(void *start) const { return pieces_.count(start) != 0; }
 
-    // Gives the system the pages of the pieces that were given back.
+    // Lets the addresses of pieces that were given back be given out again.
     void forget();
 
-    // Gives everything back; false when bytes around a piece have been written to.
+    // Takes everything back; false when bytes around a piece have been written to.
     bool empty();
 
 private:
@@ -33,7 +33,9 @@ private:
         bool given_back;
     };
     bool is_sound(const void *start, const Piece &piece) const;
-    std::map<const void *, Piece> pieces_;
+    uint8_t *pages_of(size_t length);
+    std::map<void *, Piece> pieces_;
+    std::multimap<size_t, uint8_t *> free_pages_; // by length; they cannot be touched
 };
 
 } // namespace kzb::test

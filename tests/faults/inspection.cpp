@@ -60,7 +60,8 @@ void append_pixels(Bytes &bytes, KZBPicture picture) {
 Seen look_at_picture(KZBObject object) {
     const auto picture = reinterpret_cast<KZBPicture>(object);
     const GWorld &world = *kzb_picture_world(picture);
-    Seen seen = {"picture" + in_words({{"depth", world.depth}, {"width", world.width}, {"height", world.height}}), {}, {}};
+    Seen seen = {
+        "picture" + in_words({{"depth", world.depth}, {"width", world.width}, {"height", world.height}}), {}, {}};
     append_pixels(seen.bytes, picture);
     const Value mask = Value::adopt(reinterpret_cast<KZBObject>(kzb_picture_mask(picture)));
     if (!mask.is_nil()) append_pixels(seen.bytes, reinterpret_cast<KZBPicture>(mask.object()));
@@ -73,8 +74,7 @@ Seen look_at_object(KZBObject object) {
     if (name == "Picture") return look_at_picture(object);
     if (name != "MemoryBlock") return {name, {}, {}};
     size_t count = 0;
-    const auto *bytes =
-        static_cast<const uint8_t *>(kzb_block_bytes(reinterpret_cast<KZBMemoryBlock>(object), &count));
+    const auto *bytes = static_cast<const uint8_t *>(kzb_block_bytes(reinterpret_cast<KZBMemoryBlock>(object), &count));
     return {"block of " + std::to_string(count), {}, Bytes(bytes, bytes + count)};
 }
 
@@ -119,12 +119,18 @@ void fill(const Object &object, const Bytes &bytes) {
 Seen look_at(const Value &value) {
     if (value.is_nil()) return {"nil", {}, {}};
     switch (value.kind()) {
-    case KZB_BOOLEAN: return {value.boolean() ? "true" : "false", {}, {}};
-    case KZB_DOUBLE: return {std::to_string(value.number()), {}, {}};
-    case KZB_STRING: return {"string", {}, value.bytes()};
-    case KZB_ARRAY: return {"array", {}, {}};
-    case KZB_OBJECT: return look_at_object(value.object());
-    default: return {std::to_string(value.integer()), {}, {}};
+    case KZB_BOOLEAN:
+        return {value.boolean() ? "true" : "false", {}, {}};
+    case KZB_DOUBLE:
+        return {std::to_string(value.number()), {}, {}};
+    case KZB_STRING:
+        return {"string", {}, value.bytes()};
+    case KZB_ARRAY:
+        return {"array", {}, {}};
+    case KZB_OBJECT:
+        return look_at_object(value.object());
+    default:
+        return {std::to_string(value.integer()), {}, {}};
     }
 }
 

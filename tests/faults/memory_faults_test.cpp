@@ -40,5 +40,29 @@ TEST(Memory, EachAllocationFailingInTurn) {
     EXPECT_GT(faults, method_table().size());
 }
 
+// A module that gets too little memory for its declarations is refused by the host, or works.
+TEST(Memory, EachAllocationOfStartUpFailingInTurn) {
+    scratch_files();
+    uint64_t faults = 0;
+    bool reached = true;
+    for (uint64_t n = 1; reached; ++n) {
+        reached = in_child("start-up", [n](Report &report) {
+                      report.step("at allocation " + std::to_string(n));
+                      bool failed = false;
+                      {
+                          SystemFault fault(System::allocation, n);
+                          load_copy(KZB_TEST_MODULE);
+                          failed = fault.reached();
+                      }
+                      report.count(failed);
+                      if (module_under_test == nullptr) return;
+                      for (const Row &row : method_table()) undisturbed(row);
+                  }) != 0;
+        faults += reached;
+    }
+    std::cout << faults << " allocations of start-up failed\n";
+    EXPECT_GT(faults, 60u) << "one for each constant";
+}
+
 } // namespace
 } // namespace kzb::test

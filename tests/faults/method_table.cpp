@@ -26,10 +26,15 @@ std::string class_part(const std::string &exception) {
 bool is_failure(FailsWith failure, const Observation &before, const Observation &seen) {
     std::vector<Seen> expected = before.arguments;
     switch (failure) {
-    case FailsWith::nil: return seen.result.shape == "nil" && seen.arguments == expected;
-    case FailsWith::no: return seen.result.shape == "false" && seen.arguments == expected;
-    case FailsWith::nothing: return seen.arguments == expected;
-    case FailsWith::invalid: expected[0] = {"image that is not Valid", {}, {}}; return seen.arguments == expected;
+    case FailsWith::nil:
+        return seen.result.shape == "nil" && seen.arguments == expected;
+    case FailsWith::no:
+        return seen.result.shape == "false" && seen.arguments == expected;
+    case FailsWith::nothing:
+        return seen.arguments == expected;
+    case FailsWith::invalid:
+        expected[0] = {"image that is not Valid", {}, {}};
+        return seen.arguments == expected;
     }
     return false;
 }
@@ -57,13 +62,14 @@ std::string differences(const Observation &before, const Observation &right, con
         return std::string(a.storage == b.storage ? "" : " stored otherwise") +
                (a.bytes == b.bytes ? "" : " with other bytes");
     };
-    std::string text = "gave " + seen.result.shape + pixels(seen.result, right.result) + " instead of " +
-                       right.result.shape;
+    std::string text =
+        "gave " + seen.result.shape + pixels(seen.result, right.result) + " instead of " + right.result.shape;
     if (seen.exception != right.exception) text += ", raised \"" + seen.exception + "\"";
     for (size_t i = 0; i < seen.arguments.size(); ++i) {
         if (seen.arguments[i] == right.arguments[i]) continue;
         text += ", argument " + std::to_string(i) + " is " + seen.arguments[i].shape;
-        text += seen.arguments[i] == before.arguments[i] ? std::string(" as before") : pixels(seen.arguments[i], right.arguments[i]);
+        text += seen.arguments[i] == before.arguments[i] ? std::string(" as before")
+                                                         : pixels(seen.arguments[i], right.arguments[i]);
     }
     return text;
 }
@@ -130,8 +136,12 @@ Done perform(const Row &row, const Call &call) {
         done = kzb_call_shared(name == "SetFactory" ? "PictureFactoryKZB" : "PictureKZB", name.c_str(),
                                arguments.data(), arguments.size(), &result, &error);
         break;
-    case Kind::getter: done = kzb_get(call.object.get(), name.c_str(), &result, &error); break;
-    case Kind::setter: done = kzb_set(call.object.get(), name.c_str(), &assigned, &error); break;
+    case Kind::getter:
+        done = kzb_get(call.object.get(), name.c_str(), &result, &error);
+        break;
+    case Kind::setter:
+        done = kzb_set(call.object.get(), name.c_str(), &assigned, &error);
+        break;
     }
     if (!done && error.status != KZB_ERROR_EXCEPTION) throw std::runtime_error(row.name() + ": " + error.message);
     return {Value::adopt(result), done ? "" : std::string(error.exception) + ": " + error.message};

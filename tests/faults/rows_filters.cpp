@@ -15,11 +15,26 @@ struct Variant {
 };
 
 const Variant variants[] = {
-    {"RGBA to a new image", [](int32_t, int32_t) { return Images{in_memory(RGBA), nullptr}; }},
-    {"G in a file to a new image", [](int32_t, int32_t) { return Images{in_file(G), nullptr}; }},
-    {"RGBA to RGBA", [](int32_t w, int32_t h) { return Images{in_memory(RGBA), in_memory(RGBA, w, h)}; }},
-    {"ARGB on a block to BGR", [](int32_t w, int32_t h) { return Images{on_block(ARGB), in_memory(BGR, w, h)}; }},
-    {"GA to GA in a file", [](int32_t w, int32_t h) { return Images{in_memory(GA), in_file(GA, w, h)}; }},
+    {"RGBA to a new image",
+     [](int32_t, int32_t) {
+         return Images{in_memory(RGBA), nullptr};
+     }},
+    {"G in a file to a new image",
+     [](int32_t, int32_t) {
+         return Images{in_file(G), nullptr};
+     }},
+    {"RGBA to RGBA",
+     [](int32_t w, int32_t h) {
+         return Images{in_memory(RGBA), in_memory(RGBA, w, h)};
+     }},
+    {"ARGB on a block to BGR",
+     [](int32_t w, int32_t h) {
+         return Images{on_block(ARGB), in_memory(BGR, w, h)};
+     }},
+    {"GA to GA in a file",
+     [](int32_t w, int32_t h) {
+         return Images{in_memory(GA), in_file(GA, w, h)};
+     }},
     {"onto itself",
      [](int32_t, int32_t) {
          const Image image = in_memory(RGBX);
@@ -30,7 +45,10 @@ const Variant variants[] = {
          const Image image = in_file(AG);
          return Images{image, image};
      }},
-    {"to a smaller one", [](int32_t, int32_t) { return Images{in_memory(RGB), on_block(RGB, 4, 3)}; }},
+    {"to a smaller one",
+     [](int32_t, int32_t) {
+         return Images{in_memory(RGB), on_block(RGB, 4, 3)};
+     }},
     {"overlapping views",
      [](int32_t w, int32_t h) {
          const Image parent = on_block(RGBA, w + usual_width, h + usual_height);
@@ -56,7 +74,10 @@ const Variant variants[] = {
          }));
          return Images{in_memory(RGBA), nullptr};
      }},
-    {"the working layout", [](int32_t, int32_t) { return Images{in_memory(Scaling), nullptr}; }},
+    {"the working layout",
+     [](int32_t, int32_t) {
+         return Images{in_memory(Scaling), nullptr};
+     }},
 };
 
 MoreArguments always(const std::vector<Value> &values) {
@@ -66,18 +87,19 @@ MoreArguments always(const std::vector<Value> &values) {
 void add_convolution(Rows &rows) {
     const std::string start = "ApplyMatrix(dest as PictureKZB, matrix() as integer";
     add_destination_rows(rows, start + ") as PictureKZB", [] { return std::vector<Value>{noise_array(25)}; });
-    add_destination_rows(rows, start + ", delta as integer) as PictureKZB",
-                         [] { return std::vector<Value>{noise_array(25), 3}; });
-    add_destination_rows(rows, start + ", delta as integer, ScaleFactor as double) as PictureKZB",
-                         [] { return std::vector<Value>{noise_array(25), 3, 0.01}; });
+    add_destination_rows(rows, start + ", delta as integer) as PictureKZB", [] {
+        return std::vector<Value>{noise_array(25), 3};
+    });
+    add_destination_rows(rows, start + ", delta as integer, ScaleFactor as double) as PictureKZB", [] {
+        return std::vector<Value>{noise_array(25), 3, 0.01};
+    });
 }
 
 void add_tone(Rows &rows) {
     add_destination_rows(rows, "SolarizeFilter(dest as PictureKZB) as PictureKZB", always({}));
     const std::string gamma = "GammaFilter(dest as PictureKZB, ";
-    add_destination_rows(
-        rows, gamma + "redGamma as double, greenGamma as double, blueGamma as double) as PictureKZB",
-        always({1.5, 2.0, 2.5}));
+    add_destination_rows(rows, gamma + "redGamma as double, greenGamma as double, blueGamma as double) as PictureKZB",
+                         always({1.5, 2.0, 2.5}));
     add_destination_rows(rows,
                          gamma + "redGamma as double, greenGamma as double, blueGamma as double, alphaGamma as double) "
                                  "as PictureKZB",
@@ -92,11 +114,14 @@ void add_tone(Rows &rows) {
     });
     add_destination_rows(
         rows, transfer + "red() as integer, green() as integer, blue() as integer, alpha() as integer) as PictureKZB",
-        [] { return std::vector<Value>{noise_array(4), noise_array(2), noise_array(0), noise_array(1)}; });
+        [] {
+            return std::vector<Value>{noise_array(4), noise_array(2), noise_array(0), noise_array(1)};
+        });
     add_destination_rows(rows, transfer + "gray() as integer) as PictureKZB",
                          [] { return std::vector<Value>{noise_array(7)}; });
-    add_destination_rows(rows, transfer + "gray() as integer, alpha() as integer) as PictureKZB",
-                         [] { return std::vector<Value>{noise_array(7), noise_array(3)}; });
+    add_destination_rows(rows, transfer + "gray() as integer, alpha() as integer) as PictureKZB", [] {
+        return std::vector<Value>{noise_array(7), noise_array(3)};
+    });
     for (const bool rectangle : {false, true})
         for (const auto &[variant, make] : std::initializer_list<std::pair<const char *, std::function<Image()>>>{
                  {"RGB", [] { return in_memory(RGB); }},
@@ -159,14 +184,13 @@ void add_destination_rows(Rows &rows, const std::string &declaration, const More
                           Turned turned) {
     const bool swapped = turned == Turned::yes;
     for (const Variant &variant : variants)
-        rows.push_back({Kind::method, declaration, variant.name, FailsWith::nil, shortage,
-                        [make = variant.make, more, swapped] {
-                            const Images images = make(swapped ? usual_height : usual_width,
-                                                       swapped ? usual_width : usual_height);
-                            Call call = {images.source, {images.destination}};
-                            for (const Value &value : more()) call.arguments.push_back(value);
-                            return call;
-                        }});
+        rows.push_back(
+            {Kind::method, declaration, variant.name, FailsWith::nil, shortage, [make = variant.make, more, swapped] {
+                 const Images images = make(swapped ? usual_height : usual_width, swapped ? usual_width : usual_height);
+                 Call call = {images.source, {images.destination}};
+                 for (const Value &value : more()) call.arguments.push_back(value);
+                 return call;
+             }});
 }
 
 void add_filter_rows(Rows &rows) {

@@ -29,7 +29,10 @@ void add_in_place(Rows &rows, const std::string &declaration, const std::vector<
     for (const Target &target : targets)
         add(
             rows, declaration, target.variant, FailsWith::nothing,
-            [make = target.make, arguments] { return Call{make(), arguments}; }, shortage);
+            [make = target.make, arguments] {
+                return Call{make(), arguments};
+            },
+            shortage);
 }
 
 void add_fills(Rows &rows) {
@@ -54,9 +57,9 @@ void add_fills(Rows &rows) {
     const Colour colour = {0x123456};
     add_in_place(rows, "FillRectRGB(FillColor as color)", {colour});
     add_in_place(rows, "FillRectRGB(FillColor as color, alpha as integer)", {colour, 4});
-    add_in_place(
-        rows, "FillRectRGB(x as integer, y as integer, width as integer, height as integer, FillColor as color)",
-        {1, 1, 3, 9, colour});
+    add_in_place(rows,
+                 "FillRectRGB(x as integer, y as integer, width as integer, height as integer, FillColor as color)",
+                 {1, 1, 3, 9, colour});
     add_in_place(rows,
                  "FillRectRGB(x as integer, y as integer, width as integer, height as integer, FillColor as color, "
                  "alpha as integer)",
@@ -75,7 +78,9 @@ void add_views(Rows &rows) {
             add(rows, declaration, parent.variant, FailsWith::nil, [make = parent.make] { return Call{make()}; });
     for (const Target &parent : parents)
         add(rows, "ClipImage(x as integer, y as integer, width as integer, height as integer) as PictureKZB",
-            parent.variant, FailsWith::nil, [make = parent.make] { return Call{make(), {1, 1, 3, 9}}; });
+            parent.variant, FailsWith::nil, [make = parent.make] {
+                return Call{make(), {1, 1, 3, 9}};
+            });
 }
 
 struct Pair {
@@ -148,7 +153,9 @@ void add_turns(Rows &rows) {
                 "Rotate(angle as double, Red as integer, Green as integer, Blue as integer, Alpha as integer, "
                 "Gray as integer) as PictureKZB",
                 std::string(target.variant) + " by " + std::to_string(angle), FailsWith::nil,
-                [make = target.make, angle] { return Call{make(), {angle, 1, 2, 3, 4, 5}}; });
+                [make = target.make, angle] {
+                    return Call{make(), {angle, 1, 2, 3, 4, 5}};
+                });
 }
 
 void add_scaling(Rows &rows) {
@@ -161,7 +168,9 @@ void add_scaling(Rows &rows) {
     const auto add_with_temp = [&](const char *variant, std::function<Image()> temp) {
         add(
             rows, declaration, variant, FailsWith::no,
-            [temp] { return Call{in_memory(RGBA), {in_memory(ARGB, 4, 3), temp(), lanczos3, 9, 5}}; },
+            [temp] {
+                return Call{in_memory(RGBA), {in_memory(ARGB, 4, 3), temp(), lanczos3, 9, 5}};
+            },
             Shortage::pixels);
     };
     add_with_temp("with a temporary", [] { return in_memory(Scaling, 9, 3); });

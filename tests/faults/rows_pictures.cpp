@@ -42,8 +42,9 @@ void add_copies(Rows &rows) {
         const Shortage shortage = name == "CopyPictureWithMask" ? Shortage::pixels : Shortage::fails;
         for (const Source &source : sources)
             rows.push_back({Kind::method, name + "(x as integer, y as integer, w as integer, h as integer) as picture",
-                            source.variant, FailsWith::nil, shortage,
-                            [make = source.make] { return Call{make(), {1, 1, 3, 9}}; }});
+                            source.variant, FailsWith::nil, shortage, [make = source.make] {
+                                return Call{make(), {1, 1, 3, 9}};
+                            }});
         for (const Source &source : sources)
             rows.push_back({Kind::method, name + " as picture", source.variant, FailsWith::nil, shortage,
                             [make = source.make] { return Call{make()}; }});
@@ -68,8 +69,7 @@ void add_drawing(Rows &rows) {
             for (const Source &target : targets)
                 for (int32_t depth : {32, 16})
                     add(rows, declaration, std::string(target.variant) + " from " + std::to_string(depth) + " bits",
-                        FailsWith::nothing,
-                        [make = target.make, from, depth] {
+                        FailsWith::nothing, [make = target.make, from, depth] {
                             Call call = {make(), {picture(depth, true), 1, 0, 20, 4}};
                             if (from) call.arguments.insert(call.arguments.end(), {2, 1});
                             return call;

@@ -26,13 +26,37 @@ const Holder holders[] = {
 } // namespace
 
 void add_property_rows(Rows &rows) {
-    for (const char *name :
-         {"YieldTicks", "RedOffset",  "GreenOffset", "BlueOffset", "GrayOffset",   "AlphaOffset",
-          "Width",      "Height",     "PixelSize",   "RowSize",    "ImageFormat",  "ImageFormatString",
-          "MappingBlockSize", "RowOffset", "DebugPictureEnabled", "DebugPicture", "IsGray", "IsRGB",
-          "HasGreen",   "HasRed",     "HasBlue",     "HasGray",    "HasAlpha",     "Valid",
-          "IsMapping",  "Parent",     "Factory",     "Target",     "Memory",       "MemoryTarget",
-          "TotalSize"})
+    for (const char *name : {"YieldTicks",
+                             "RedOffset",
+                             "GreenOffset",
+                             "BlueOffset",
+                             "GrayOffset",
+                             "AlphaOffset",
+                             "Width",
+                             "Height",
+                             "PixelSize",
+                             "RowSize",
+                             "ImageFormat",
+                             "ImageFormatString",
+                             "MappingBlockSize",
+                             "RowOffset",
+                             "DebugPictureEnabled",
+                             "DebugPicture",
+                             "IsGray",
+                             "IsRGB",
+                             "HasGreen",
+                             "HasRed",
+                             "HasBlue",
+                             "HasGray",
+                             "HasAlpha",
+                             "Valid",
+                             "IsMapping",
+                             "Parent",
+                             "Factory",
+                             "Target",
+                             "Memory",
+                             "MemoryTarget",
+                             "TotalSize"})
         for (const Holder &holder : holders)
             rows.push_back({Kind::getter, name, holder.variant, FailsWith::nil,
                             std::strcmp(name, "DebugPicture") == 0 ? Shortage::pixels : Shortage::fails,
@@ -55,8 +79,9 @@ void add_property_rows(Rows &rows) {
     });
     add_setter("MappingBlockSize", "in memory", [] { return Call{in_memory(RGB), {}, 1 << 25}; });
     add_setter("MappingBlockSize", "in a file", [] { return Call{in_file(RGB), {}, 1 << 25}; });
-    add_setter("MappingBlockSize", "of a view of a file",
-               [] { return Call{view_of(in_file(RGB), 1, 1, 3, 3), {}, 1 << 25}; });
+    add_setter("MappingBlockSize", "of a view of a file", [] {
+        return Call{view_of(in_file(RGB), 1, 1, 3, 3), {}, 1 << 25};
+    });
     add_setter("MappingBlockSize", "unconstructed", [] { return Call{unconstructed(), {}, 1 << 25}; });
 }
 

@@ -84,14 +84,21 @@ void give_back(void *piece) {
 
 int default_error(System call) {
     switch (call) {
-    case System::allocation: return ENOMEM;
-    case System::open: return EACCES;
-    case System::fcntl: return EMFILE;
-    case System::flock: return EWOULDBLOCK;
+    case System::allocation:
+        return ENOMEM;
+    case System::open:
+        return EACCES;
+    case System::fcntl:
+        return EMFILE;
+    case System::flock:
+        return EWOULDBLOCK;
     case System::fallocate:
-    case System::write: return ENOSPC;
-    case System::mmap: return ENOMEM;
-    default: return EIO;
+    case System::write:
+        return ENOSPC;
+    case System::mmap:
+        return ENOMEM;
+    default:
+        return EIO;
     }
 }
 
@@ -101,8 +108,8 @@ constinit uint32_t step = 0;
 } // namespace
 
 const char *name_of(System call) {
-    constexpr const char *names[] = {"allocation", "open",      "fcntl", "fstat", "flock",  "fchmod", "ftruncate",
-                                     "fallocate",  "lseek",     "write", "mmap",  "munmap", "close",  "unlink"};
+    constexpr const char *names[] = {"allocation", "open",  "fcntl", "fstat", "flock",  "fchmod", "ftruncate",
+                                     "fallocate",  "lseek", "write", "mmap",  "munmap", "close",  "unlink"};
     static_assert(std::size(names) == call_count);
     return names[static_cast<size_t>(call)];
 }

@@ -3,6 +3,7 @@
 #include "faults/system_faults.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <sys/statvfs.h>
 #include <unistd.h>
 #include <utility>
@@ -31,8 +32,9 @@ void note_misuse(const char *line, void *) {
 }
 
 std::string changed(const char *what, size_t before, size_t after) {
-    return before == after ? "" : std::string(", ") + what + ": " + std::to_string(after) + " instead of " +
-                                      std::to_string(before);
+    return before == after
+               ? ""
+               : std::string(", ") + what + ": " + std::to_string(after) + " instead of " + std::to_string(before);
 }
 
 } // namespace
@@ -65,6 +67,14 @@ Undisturbed undisturbed(const Row &row) {
     }
     clean_up();
     return result;
+}
+
+void load_copy(const std::string &path) {
+    const std::string copy = scratch_path() + ".so";
+    std::filesystem::copy_file(path, copy);
+    kzb_error error = {};
+    module_under_test = kzb_module_load(copy.c_str(), &error);
+    std::filesystem::remove(copy);
 }
 
 uint64_t for_each_row(const std::function<void(const Row &, Report &)> &body) {

@@ -27,6 +27,10 @@ struct Undisturbed {
 };
 Undisturbed undisturbed(const Row &row);
 
+// Makes a copy of the module at `path`, which has not looked anything up yet, the module under test; nil when that
+// cannot be loaded.
+void load_copy(const std::string &path);
+
 // Runs body(row, report) for each row, those of a declaration in one child process. Gives what they counted.
 uint64_t for_each_row(const std::function<void(const Row &, Report &)> &body);
 
