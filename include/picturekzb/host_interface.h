@@ -1,7 +1,7 @@
 /* The host interface, version 9: how a host runtime and the PictureKZB module meet inside one process.
  *
  * This header is the only place that knows the layouts. It compiles alone as C11 and as C++20 and needs nothing but
- * <stdint.h>, so that a host outside this project can use it as it is.
+ * <stdint.h>, on the Mac also the published headers, so that a host outside this project can use it as it is.
  *
  * Words. A word is one machine word, as wide as a pointer. Every field of every record below is one word unless its
  * type says otherwise; counts and flags are words too.
@@ -22,6 +22,14 @@
 #define PICTUREKZB_HOST_INTERFACE_H
 
 #include <stdint.h>
+
+/* Set where the system's published functions are there; elsewhere host and module share stand-ins. */
+#if defined(__APPLE__) && !defined(KZB_CARBON)
+#define KZB_CARBON 1
+#endif
+#if defined(KZB_CARBON)
+#include <Carbon/Carbon.h>
+#endif
 
 #ifdef __cplusplus
 extern "C" {
@@ -146,7 +154,7 @@ typedef struct ClassDefinition {
 /* ------------------------------------------------------------------------------- stand-ins for the Mac's types
  *
  * Off the Mac a host and the module share these; on the Mac the published headers give the names. */
-#if !defined(__APPLE__)
+#if !defined(KZB_CARBON)
 
 /* An offscreen graphics world. Whoever makes a world sets `dispose`, which frees the world and its pixels; the owner
  * calls it (DisposeGWorld does, and so does a host that took the world over). */
@@ -273,7 +281,6 @@ typedef void RuntimeDirectReadIntArrayFunction(KZBArray array, int32_t index, in
 /* Lets the host run its pending events, and with them user code that may call the module again. */
 typedef void REALYieldToRBFunction(void);
 
-#if !defined(__APPLE__)
 /* A reference to a folder item's file. With a nil name it asks for the item itself and fails when that does not exist;
  * with a name it asks for the item's parent folder, and the item's name is written to *name. Non-zero: done. */
 typedef KZBBoolean REALFSRefFromFolderItemFunction(KZBFolderItem item, FSRef *reference, HFSUniStr255 *name);
@@ -284,7 +291,6 @@ typedef KZBBoolean REALFSSpecFromFolderItemFunction(KZBFolderItem item, FSSpec *
 /* A picture over an offscreen graphics world; with take_over non-zero the picture owns the world from now on. The
  * caller owns the picture. Nil: no picture was made and the world is still the caller's. */
 typedef KZBPicture REALBuildPictureFromGWorldFunction(GWorldPtr world, KZBBoolean take_over);
-#endif
 
 /* The address of an object's method by its full declaration, or nil. The drawing method of a graphics object is
  * called as GraphicsDrawPicture. */
@@ -347,7 +353,7 @@ KZB_AT(ClassDefinition, shared_methods, 23);
 KZB_LAYOUT(sizeof(PictureDescription) == KZB_WORDS(5));
 KZB_AT(PictureDescription, port, 1);
 KZB_AT(PictureDescription, height, 4);
-#if !defined(__APPLE__)
+#if !defined(KZB_CARBON)
 KZB_LAYOUT(sizeof(GWorld) == KZB_WORDS(7));
 KZB_AT(GWorld, base_address, 4);
 KZB_AT(GWorld, dispose, 6);

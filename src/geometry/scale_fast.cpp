@@ -23,29 +23,26 @@ public:
                 int32_t height)
         : source_(source), destination_(destination), conversion_(conversion), width_(width),
           step_x_(static_cast<double>(source.Width) / width), step_y_(static_cast<double>(source.Height) / height),
-          rows_may_run_(holds(destination, width, height) && holds(source, 1, 1)), rows_(destination, source) {}
+          rows_(destination, source) {}
 
     // False when a row cannot be reached.
     [[nodiscard]] bool make_row(int32_t y);
 
 private:
-    void make_row_plainly(int32_t y, int32_t source_y);
+    bool first_pixel_inside(int32_t source_y) const;
 
     ImageRecord &source_, &destination_;
     const kernels::Conversion conversion_;
     const int32_t width_;
     const double step_x_, step_y_;
-    const bool rows_may_run_;
     RowPairs rows_;
 };
 
 bool FastScaling::make_row(int32_t y) {
     // The steps stay below the source's size: the distance to it is far more than the rounding of a product.
     const auto source_y = static_cast<int32_t>(y * step_y_);
-    if (!rows_may_run_) {
-        make_row_plainly(y, source_y);
-        return true;
-    }
+    // A view without columns is sampled where its first would be.
+    if (source_.Width == 0 && !first_pixel_inside(source_y)) return true;
     if (!rows_.fetch(y, source_y)) return false;
     constexpr int32_t strip = 2048;
     int32_t places[strip];
@@ -58,28 +55,12 @@ bool FastScaling::make_row(int32_t y) {
     return true;
 }
 
-// For views whose sides are empty or negative.
-void FastScaling::make_row_plainly(int32_t y, int32_t source_y) {
-    const auto &[to, from, channels, to_gray, last_flip] = conversion_;
-    for (int32_t x = 0; x < width_; ++x) {
-        const auto source_x = static_cast<int32_t>(x * step_x_);
-        const auto read = [&](size_t i, uint8_t &byte) {
-            const uint8_t *address = channel_at(source_, source_x, source_y, conversion_.from.offsets[i]);
-            if (address != nullptr) byte = *address;
-            return address != nullptr;
-        };
-        for (size_t i = 0; i < channels; ++i) {
-            uint8_t byte;
-            if (to_gray && i == 0) {
-                uint8_t red, green, blue;
-                if (!read(0, red) || !read(1, green) || !read(2, blue)) continue;
-                byte = kernels::gray_from(red, green, blue);
-            } else if (!read(to_gray ? i + 2 : i, byte)) {
-                continue;
-            }
-            if (uint8_t *address = channel_at(destination_, x, y, to.offsets[i])) *address = byte;
-        }
-    }
+// Whether all the channels that are read lie inside the storage.
+bool FastScaling::first_pixel_inside(int32_t source_y) const {
+    const size_t channels = conversion_.to_gray ? conversion_.channels + 2 : conversion_.channels;
+    const auto &offsets = conversion_.from.offsets;
+    return std::all_of(offsets.begin(), offsets.begin() + channels,
+                       [&](int32_t offset) { return byte_at(source_, source_y, offset) != nullptr; });
 }
 
 } // namespace

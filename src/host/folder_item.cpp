@@ -5,21 +5,29 @@
 
 namespace kzb {
 
-Buffer<char> folder_item_path(FolderItem item) {
-    if (item == nullptr) return {};
+namespace {
+
+FileLocation location_of_item(FolderItem item) {
     FSRef reference = {};
     if (REALFSRefFromFolderItem(item, &reference, nullptr)) {
-        if (auto path = path_from_reference(reference)) return path;
+        if (auto location = location_of(reference)) return location;
     }
     // The file does not exist yet: its folder and its name.
     HFSUniStr255 name = {};
     reference = {};
     if (REALFSRefFromFolderItem(item, &reference, &name)) {
-        if (auto path = path_from_parent_and_name(reference, name)) return path;
+        if (auto location = location_in(reference, name)) return location;
     }
     FSSpec specification = {};
-    if (REALFSSpecFromFolderItem(item, &specification)) return path_from_specification(specification);
+    if (REALFSSpecFromFolderItem(item, &specification)) return location_of(specification);
     return {};
+}
+
+} // namespace
+
+Buffer<char> folder_item_path(FolderItem item) {
+    if (item == nullptr) return {};
+    return path_of(location_of_item(item));
 }
 
 } // namespace kzb

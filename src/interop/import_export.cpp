@@ -62,14 +62,15 @@ void construct_on_picture(ImageObject object, Picture picture, Boolean use_alpha
     if (!held || !lockPictureDescription(picture, &description)) return;
     // The picture is kept alive, and with it the addresses of the description.
     unlockPictureDescription(picture, &description);
-    if (description.kind != KZB_PICTURE_GWORLD) return;
-    PixMapHandle map = GetPortPixMap(description.port);
+    if (description.kind != KZB_PICTURE_GWORLD || description.port == nullptr) return;
+    PixMapHandle map = GetPortPixMap(static_cast<GWorldPtr>(description.port));
+    if (map == nullptr) return;
     auto *base = reinterpret_cast<uint8_t *>(GetPixBaseAddr(map));
     if (base == nullptr) return;
     const int16_t depth = GetPixDepth(map);
     if (depth != 32 && depth != 24) return;
     const int32_t image_format = depth == 24 ? ImageFormatRGB : use_alpha ? ImageFormatARGB : ImageFormatXRGB;
-    const int32_t row_size = GetPixRowBytes(map);
+    const auto row_size = static_cast<int32_t>(GetPixRowBytes(map));
     if (description.width < 0 || description.height < 0 || row_size < 0) return;
     fill_format_descriptor(&image, static_cast<int32_t>(description.width), static_cast<int32_t>(description.height),
                            image_format);

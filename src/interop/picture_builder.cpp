@@ -2,6 +2,8 @@
 
 #include "interop/picture_reader.h"
 
+#include <utility>
+
 namespace kzb {
 
 PictureBuilder::~PictureBuilder() {
@@ -10,14 +12,16 @@ PictureBuilder::~PictureBuilder() {
 }
 
 bool PictureBuilder::open(int32_t width, int32_t height) {
-    if (width < 1 || height < 1) return false;
-    const Rect bounds = {0, 0, height, width};
+    // The published rectangle has sides of 16 bits.
+    using Side = decltype(Rect::top);
+    if (width < 1 || height < 1 || !std::in_range<Side>(width) || !std::in_range<Side>(height)) return false;
+    const Rect bounds = {0, 0, static_cast<Side>(height), static_cast<Side>(width)};
     if (NewGWorld(&world_, 32, &bounds, nullptr, nullptr, 0) != 0) return false;
     PixMapHandle map = GetGWorldPixMap(world_);
     if (map == nullptr || !LockPixels(map)) return false;
     map_ = map;
     base_ = reinterpret_cast<uint8_t *>(GetPixBaseAddr(map));
-    row_bytes_ = GetPixRowBytes(map);
+    row_bytes_ = static_cast<int32_t>(GetPixRowBytes(map));
     return base_ != nullptr;
 }
 

@@ -52,15 +52,16 @@ bool PictureReader::open(Picture picture) {
 bool PictureReader::lock(Picture picture) {
     PictureDescription description = {};
     if (!lockPictureDescription(picture, &description)) return false;
-    if (description.kind == KZB_PICTURE_GWORLD) {
+    if (description.kind == KZB_PICTURE_GWORLD && description.port != nullptr) {
         PixMapHandle map = GetGWorldPixMap(static_cast<GWorldPtr>(description.port));
-        if (GetPixDepth(map) == 32 && LockPixels(map)) {
-            if (auto *base = reinterpret_cast<const uint8_t *>(GetPixBaseAddr(map))) {
-                held_ = Reference<Picture>::share(picture);
+        if (map != nullptr && GetPixDepth(map) == 32 && LockPixels(map)) {
+            auto *base = reinterpret_cast<const uint8_t *>(GetPixBaseAddr(map));
+            if (base != nullptr) held_ = Reference<Picture>::share(picture);
+            if (held_) {
                 description_ = description;
                 map_ = map;
                 base_ = base;
-                row_bytes_ = GetPixRowBytes(map);
+                row_bytes_ = static_cast<int32_t>(GetPixRowBytes(map));
                 width_ = static_cast<int32_t>(description.width);
                 height_ = static_cast<int32_t>(description.height);
                 return true;

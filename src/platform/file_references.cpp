@@ -54,18 +54,20 @@ Buffer<char> joined_path(const char *folder, size_t longest_folder, const char *
 
 } // namespace
 
-Buffer<char> path_from_reference(const FSRef &reference) {
+FileLocation location_of(const FSRef &reference) {
     return joined_path(reference.path, sizeof reference.path, "");
 }
 
-Buffer<char> path_from_parent_and_name(const FSRef &parent, const HFSUniStr255 &name) {
+FileLocation location_in(const FSRef &parent, const HFSUniStr255 &name) {
     char text[longest_name + 1] = "";
     if (!utf8_name(name, text)) text[0] = '\0';
     return joined_path(parent.path, sizeof parent.path, text);
 }
 
-Buffer<char> path_from_specification(const FSSpec &specification) {
+FileLocation location_of(const FSSpec &specification) {
     return joined_path(specification.path, sizeof specification.path, "");
 }
+
+Buffer<char> path_of(FileLocation location) { return location; }
 
 } // namespace kzb

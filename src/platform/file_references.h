@@ -5,12 +5,26 @@
 
 #include <picturekzb/host_interface.h>
 
+#if defined(KZB_CARBON)
+#include "platform/carbon/core_reference.h"
+#endif
+
 namespace kzb {
 
-// NUL-terminated UTF-8 paths for a reference, for a file named `name` in the folder `parent`, and for a specification;
-// none where there is no path. A name that is no text stands for the folder itself.
-Buffer<char> path_from_reference(const FSRef &reference);
-Buffer<char> path_from_parent_and_name(const FSRef &parent, const HFSUniStr255 &name);
-Buffer<char> path_from_specification(const FSSpec &specification);
+// Where a file is, as the platform has it; empty (false) where it is nowhere.
+#if defined(KZB_CARBON)
+using FileLocation = CoreReference<CFURLRef>;
+#else
+using FileLocation = Buffer<char>; // a path
+#endif
+
+// The locations of a reference, of a file named `name` in the folder `parent`, and of a specification. A name that is
+// no text stands for the folder itself.
+FileLocation location_of(const FSRef &reference);
+FileLocation location_in(const FSRef &parent, const HFSUniStr255 &name);
+FileLocation location_of(const FSSpec &specification);
+
+// The NUL-terminated UTF-8 path of a location, or none.
+Buffer<char> path_of(FileLocation location);
 
 } // namespace kzb

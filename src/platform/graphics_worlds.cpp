@@ -43,7 +43,7 @@ void DisposeGWorld(GWorldPtr world) {
 
 PixMapHandle GetGWorldPixMap(GWorldPtr world) { return world; }
 
-PixMapHandle GetPortPixMap(void *port) { return static_cast<GWorldPtr>(port); }
+PixMapHandle GetPortPixMap(GWorldPtr port) { return port; }
 
 KZBBoolean LockPixels(PixMapHandle map) {
     if (map == nullptr || map->base_address == nullptr) return 0;

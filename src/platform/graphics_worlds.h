@@ -1,7 +1,10 @@
-// Offscreen graphics worlds: the published functions over the records that host and module share.
+// Offscreen graphics worlds: the published functions over the records that host and module share, where the
+// system has none of its own.
 #pragma once
 
 #include <picturekzb/host_interface.h>
+
+#if !defined(KZB_CARBON)
 
 extern "C" {
 
@@ -17,7 +20,7 @@ int32_t NewGWorld(GWorldPtr *world, int16_t depth, const Rect *bounds, void *col
 
 void DisposeGWorld(GWorldPtr world);
 PixMapHandle GetGWorldPixMap(GWorldPtr world);
-PixMapHandle GetPortPixMap(void *port);
+PixMapHandle GetPortPixMap(GWorldPtr port);
 
 // Non-zero: the pixels stay where they are until UnlockPixels.
 KZBBoolean LockPixels(PixMapHandle map);
@@ -27,3 +30,5 @@ char *GetPixBaseAddr(PixMapHandle map);
 int32_t GetPixRowBytes(PixMapHandle map);
 int16_t GetPixDepth(PixMapHandle map);
 }
+
+#endif

@@ -182,6 +182,11 @@ TEST(BoxBlurFractionalFilter, RowsThatOverlapKeepTheStatedOrder) {
     }
 }
 
+TEST(BoxBlurFractionalFilter, ADestinationWithoutTheChannelsKeepsTheLastOneWritten) {
+    for (auto [from, to] : {std::pair(2, 18), std::pair(4, 21), std::pair(9, 20), std::pair(6, 16)})
+        check_one(blur_of(0.5), random_image(17, 9, from, 3), random_image(17, 9, to, 4), "to a single channel");
+}
+
 TEST(BoxBlurFractionalFilter, GivesNilForAnImageThatIsNotUsable) {
     const Image invalid(3, 3, 99), flat(3, 0, 1), source(3, 3, 1), closed(3, 3, 1);
     closed.call("Close");

@@ -83,6 +83,32 @@ TEST(UnsharpFilter, OverlappingViewsKeepTheStatedOrder) {
     }
 }
 
+TEST(UnsharpFilter, ImagesOverTheSameBytesKeepTheStatedOrder) {
+    // The reference's channels are the image's next ones, its last channel the next pixel's first, or the other way
+    // round.
+    for (int32_t code : {1, 2, 5, 12}) {
+        for (auto [image_start, reference_start] :
+             {std::pair(0, 1), std::pair(1, 0), std::pair(0, 3), std::pair(2, 0)}) {
+            Bytes bytes = random_bytes(40 * 9 + 8, 5), expected = bytes;
+            const auto over = [&](int start) {
+                return Image(Object::make("PictureKZB", block_at(bytes.data() + start), 9, 9, code, 40));
+            };
+            const Image image = over(image_start), reference = over(reference_start);
+            const Layout &of = layout(code);
+            for (int32_t y = 0; y < 9; ++y)
+                for (int32_t x = 0; x < 9; ++x)
+                    for (Channel channel : {Channel::gray, Channel::red, Channel::green, Channel::blue, Channel::alpha})
+                        if (of.offset(channel) >= 0) {
+                            const auto at = static_cast<size_t>(y * 40 + x * of.pixel_size + of.offset(channel));
+                            uint8_t &a = expected[at + static_cast<size_t>(image_start)];
+                            a = sharpened(a, expected[at + static_cast<size_t>(reference_start)], 0.2, 0);
+                        }
+            EXPECT_TRUE(image.call("UnsharpFilter", reference, 0.2, 0).boolean());
+            EXPECT_EQ(bytes, expected) << of.name << ' ' << image_start << ' ' << reference_start;
+        }
+    }
+}
+
 TEST(UnsharpFilter, SingleChannelsOfTheSameOrOfOtherImages) {
     const Image colour = *make_image(Storage::memory, 9, 7, 2, 4), gray = *make_image(Storage::memory, 9, 7, 11, 5);
     const Image red(colour.call("RedChannel")), alpha(colour.call("AlphaChannel"));

@@ -1,0 +1,11 @@
+# 64-bit big endian: clang, and the programs run in qemu.
+set(foreign_architecture s390x)
+set(foreign_triplet s390x-linux-gnu)
+include(${CMAKE_CURRENT_LIST_DIR}/foreign.cmake)
+set(CMAKE_SYSTEM_PROCESSOR s390x)
+set(CMAKE_SYSROOT ${foreign_root})
+set(CMAKE_C_COMPILER clang)
+set(CMAKE_CXX_COMPILER clang++)
+set(CMAKE_C_COMPILER_TARGET ${foreign_triplet})
+set(CMAKE_CXX_COMPILER_TARGET ${foreign_triplet})
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-s390x-static -L ${foreign_root})
