@@ -7,7 +7,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cmath>
+#include <chrono>
 #include <cstring>
 #include <functional>
 #include <iostream>
@@ -83,10 +83,13 @@ std::vector<Operation> operations() {
 constexpr std::pair<int, const char *> kernels[] = {{1, "Triangle"}, {2, "Box"},   {3, "Lanczos3"}, {4, "Lanczos8"},
                                                     {5, "Mitchell"}, {6, "Poly3"}, {7, "Cubic"}};
 
-void report(benchmark::State &state, int64_t pixels) {
+// Times `run` and reports nanoseconds per pixel.
+template <class Run> void measure(benchmark::State &state, int64_t pixels, Run run) {
+    const auto start = std::chrono::steady_clock::now();
+    for (auto _ : state) run();
+    const std::chrono::duration<double, std::nano> elapsed = std::chrono::steady_clock::now() - start;
     state.counters["ns/px"] =
-        benchmark::Counter(static_cast<double>(pixels) * static_cast<double>(state.iterations()) * 1e-9,
-                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+        elapsed.count() / static_cast<double>(state.iterations()) / static_cast<double>(pixels);
 }
 
 void add_scale(int32_t format, int32_t width, int32_t height, int32_t to_width, int32_t to_height) {
@@ -98,8 +101,7 @@ void add_scale(int32_t format, int32_t width, int32_t height, int32_t to_width, 
             const Image source = *make_image(Storage::memory, width, height, format, 1);
             const Image dest(to_width, to_height, format);
             const Image temp(to_width, height, 14);
-            for (auto _ : state) run(source, dest, temp);
-            report(state, int64_t{width} * height);
+            measure(state, int64_t{width} * height, [&] { run(source, dest, temp); });
         })->Unit(benchmark::kMillisecond);
     };
     for (const auto &[mode, kernel] : kernels)
@@ -119,8 +121,7 @@ void add_operations(int32_t format, int32_t width, int32_t height) {
             const Pictures pictures = {*make_image(Storage::memory, width, height, format, 1),
                                        *make_image(Storage::memory, width, height, format, 2),
                                        *make_image(Storage::memory, height, width, format, 3)};
-            for (auto _ : state) operation.run(pictures);
-            report(state, int64_t{width} * height);
+            measure(state, int64_t{width} * height, [&] { operation.run(pictures); });
         })->Unit(benchmark::kMillisecond);
     }
     const size_t bytes = static_cast<size_t>(width) * static_cast<size_t>(height) *
@@ -128,21 +129,19 @@ void add_operations(int32_t format, int32_t width, int32_t height) {
     benchmark::RegisterBenchmark(("memcpy" + suffix).c_str(), [=](benchmark::State &state) {
         const Bytes from = random_bytes(bytes, 1);
         Bytes to(bytes);
-        for (auto _ : state) {
+        measure(state, int64_t{width} * height, [&] {
             std::memcpy(to.data(), from.data(), bytes);
             benchmark::DoNotOptimize(to.data());
             benchmark::ClobberMemory();
-        }
-        report(state, int64_t{width} * height);
+        });
     })->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark(("memset" + suffix).c_str(), [=](benchmark::State &state) {
         Bytes to(bytes);
-        for (auto _ : state) {
+        measure(state, int64_t{width} * height, [&] {
             std::memset(to.data(), 5, bytes);
             benchmark::DoNotOptimize(to.data());
             benchmark::ClobberMemory();
-        }
-        report(state, int64_t{width} * height);
+        });
     })->Unit(benchmark::kMillisecond);
 }
 

@@ -33,10 +33,13 @@ bool is_of(kzb_type type, const char *type_name, std::string_view class_name) {
 
 } // namespace
 
-Giver giver_of(const kzb_parameter &parameter) {
+Giver Form::giver_of(size_t place) const {
+    const kzb_parameter &parameter = declaration.parameters[place];
     if (!is_of(parameter.type, parameter.type_name, picture_class)) return Giver::user;
-    const bool nil = same_name(parameter.name, "dest") || same_name(parameter.name, "temp");
-    return nil ? Giver::chain_nil : Giver::chain_picture;
+    if (same_name(parameter.name, "temp")) return Giver::chain_nil;
+    if (!same_name(parameter.name, "dest")) return Giver::chain_current;
+    // For nil this one method makes a picture with width and height exchanged, into which the result does not fit.
+    return same_name(declaration.name, "ApplyMatrix") ? Giver::chain_new : Giver::chain_nil;
 }
 
 std::string Form::obstacle() const {
@@ -46,7 +49,7 @@ std::string Form::obstacle() const {
         const kzb_parameter &parameter = declaration.parameters[i];
         const bool writable = parameter.type == KZB_TYPE_INTEGER || parameter.type == KZB_TYPE_DOUBLE ||
                               parameter.type == KZB_TYPE_BOOLEAN || parameter.type == KZB_TYPE_COLOR ||
-                              parameter.type == KZB_TYPE_INTEGER_ARRAY || giver_of(parameter) != Giver::user;
+                              parameter.type == KZB_TYPE_INTEGER_ARRAY || giver_of(i) != Giver::user;
         if (!writable)
             return std::string("needs ") + parameter.name + ", a " + parameter.type_name +
                    ", which a command line cannot give";
@@ -60,16 +63,16 @@ std::string Form::obstacle() const {
 }
 
 bool Form::writes_new_picture() const {
-    return std::any_of(
-        declaration.parameters, declaration.parameters + declaration.parameter_count,
-        [](const kzb_parameter &p) { return giver_of(p) == Giver::chain_picture && same_name(p.name, "source"); });
+    for (size_t i = 0; i < declaration.parameter_count; ++i)
+        if (giver_of(i) == Giver::chain_current && same_name(declaration.parameters[i].name, "source")) return true;
+    return false;
 }
 
 std::string Form::usage() const {
     std::string written = declaration.name;
     for (size_t i = 0; i < declaration.parameter_count; ++i) {
         const kzb_parameter &parameter = declaration.parameters[i];
-        if (giver_of(parameter) != Giver::user) continue;
+        if (giver_of(i) != Giver::user) continue;
         written += parameter.has_default ? std::string(" [") + parameter.name + "]" : std::string(" ") + parameter.name;
     }
     return written;

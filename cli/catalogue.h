@@ -11,14 +11,16 @@ namespace kzb::cli {
 
 inline constexpr const char *picture_class = "PictureKZB";
 
-// Who gives a step's argument.
-enum class Giver { user, chain_nil, chain_picture };
-Giver giver_of(const kzb_parameter &parameter);
+// Who gives a step's argument; of the chain: nil, the current picture, or a new picture like it to write on.
+enum class Giver { user, chain_nil, chain_current, chain_new };
 
 // One declaration of a method.
 struct Form {
     const char *text; // as registered
     kzb_declaration declaration;
+
+    // Who gives the argument at this place.
+    Giver giver_of(size_t place) const;
 
     // Why this form cannot be a step, as what follows "it"; empty: it can.
     std::string obstacle() const;

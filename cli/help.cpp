@@ -67,17 +67,18 @@ size_t longest_name(const Method &method) {
 }
 
 std::string describe_argument(const kzb_parameter &parameter, const Method &method) {
-    std::string text = parameter.type == KZB_TYPE_OBJECT || parameter.type == KZB_TYPE_STRING
-                           ? std::string("a ") + parameter.type_name
-                           : describe(parameter.type);
-    if (parameter.has_default) text += std::string("; ") + parameter.default_text + " when not given";
-    const char *constants = constants_for(method.name, parameter.name);
-    return constants == nullptr ? text : text + "; the constants " + constants + "... below stand for it";
+    std::string text = describe(parameter.type);
+    if (parameter.type == KZB_TYPE_OBJECT) text = std::string("a ") + parameter.type_name;
+    if (parameter.type == KZB_TYPE_INTEGER) text = "a whole number";
+    if (constants_for(method.name, parameter.name) != nullptr) text = "one of the constants below, or its number";
+    return parameter.has_default ? text + "; " + parameter.default_text + " when not given" : text;
 }
 
-std::string describe_supplied(const kzb_parameter &parameter, const Form &form) {
-    if (giver_of(parameter) == Giver::chain_nil)
-        return same_name(parameter.name, "dest") ? "nil: the result is a new picture" : "nil: made and dropped again";
+std::string describe_supplied(size_t place, const Form &form) {
+    const bool dest = same_name(form.declaration.parameters[place].name, "dest");
+    if (form.giver_of(place) == Giver::chain_nil)
+        return dest ? "nil: the result is a new picture" : "nil: made and dropped again";
+    if (form.giver_of(place) == Giver::chain_new) return "a new picture of the current picture's size and layout";
     return form.writes_new_picture() ? "the current picture; the step writes a new one, with which the chain goes on"
                                      : "the current picture";
 }
@@ -87,9 +88,7 @@ std::string describe_result(const Form &form) {
     if (!form.obstacle().empty())
         return declaration.result == KZB_TYPE_NONE ? "nothing" : std::string("a ") + declaration.result_name;
     if (declaration.result == KZB_TYPE_BOOLEAN) return "true: done; false: the chain ends with exit code 1";
-    if (declaration.result == KZB_TYPE_OBJECT)
-        return std::string("a ") + declaration.result_name +
-               ", which becomes the current picture; nil: the chain ends with exit code 1";
+    if (declaration.result == KZB_TYPE_OBJECT) return "the new current picture; nil: the chain ends with exit code 1";
     return form.writes_new_picture() ? "nothing" : "nothing; the current picture itself is changed";
 }
 
@@ -154,10 +153,10 @@ std::string help_text(const std::string &name, const Catalogue &catalogue) {
             obstacles = "none: it " + obstacle;
         for (size_t i = 0; i < form.declaration.parameter_count; ++i) {
             const kzb_parameter &parameter = form.declaration.parameters[i];
-            const bool given = giver_of(parameter) == Giver::user;
+            const bool given = form.giver_of(i) == Giver::user;
             (given ? arguments : supplied)
                 .add(padded(parameter.name, width) +
-                     (given ? describe_argument(parameter, *method) : describe_supplied(parameter, form)));
+                     (given ? describe_argument(parameter, *method) : describe_supplied(i, form)));
         }
         results.add(describe_result(form));
     }

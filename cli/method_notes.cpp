@@ -36,7 +36,7 @@ constexpr MethodNote effects[] = {
     {"EngraveFilter", "Shows the differences to the point a few to the right and below, on gray.",
      "Alpha is treated like a colour."},
     {"NeonFilter", "Shows edges as glowing lines on black.", "Alpha is treated like a colour."},
-    {"StampFilter", "Blurs, then leaves two colours with a soft edge between them.",
+    {"StampFilter", "Blurs, then pushes each channel to that of one of two colours, with a soft edge between.",
      "The alpha of the new picture is left at 0: transparent."},
 };
 
@@ -49,12 +49,12 @@ constexpr MethodNote blur[] = {
 
 constexpr MethodNote convolution[] = {
     {"ApplyMatrix", "Weighs the 5 x 5 points around each point with 25 numbers: sharpen, emboss, find edges.",
-     "A weight of 255 or more is left out. A new picture is made with width and height exchanged, so that only square "
-     "pictures come out whole. Alpha is treated like a colour."},
+     "The matrix has 25 numbers, row by row; one of 255 or more is left out. Each sum, plus delta, is multiplied by ScaleFactor. Alpha is treated like a "
+     "colour."},
 };
 
 constexpr MethodNote scaling[] = {
-    {"Scale", "Changes the size with a good filter.", nullptr},
+    {"Scale", "Changes the size, each point being a weighed mean of those around it.", nullptr},
     {"ScaleFast", "Changes the size by taking the nearest points.", nullptr},
 };
 

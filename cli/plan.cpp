@@ -27,10 +27,11 @@ bool comes_further(const Attempt &attempt, const Attempt &other) {
 }
 
 // The parameter that an argument is for: the one of its name, else the next that the user gives.
-size_t place_of(const WrittenArgument &argument, const kzb_declaration &declaration, size_t &next) {
+size_t place_of(const WrittenArgument &argument, const Form &form, size_t &next) {
+    const kzb_declaration &declaration = form.declaration;
     const kzb_parameter *parameters = declaration.parameters;
     if (argument.name.empty()) {
-        while (next < declaration.parameter_count && giver_of(parameters[next]) != Giver::user) ++next;
+        while (next < declaration.parameter_count && form.giver_of(next) != Giver::user) ++next;
         return next < declaration.parameter_count ? next++ : next;
     }
     size_t place = 0;
@@ -51,7 +52,7 @@ Attempt attempt(const Form &form, const std::vector<WrittenArgument> &written) {
     std::vector<const WrittenArgument *> given(declaration.parameter_count);
     size_t next = 0;
     for (size_t i = 0; i < written.size(); ++i) {
-        const size_t place = place_of(written[i], declaration, next);
+        const size_t place = place_of(written[i], form, next);
         if (place == declaration.parameter_count)
             return stop(written[i].name.empty() ? Stage::too_many : Stage::unknown_name, 0, i);
         if (given[place] != nullptr) return stop(Stage::given_twice, place, i);
@@ -59,13 +60,13 @@ Attempt attempt(const Form &form, const std::vector<WrittenArgument> &written) {
     }
     for (size_t i = 0; i < declaration.parameter_count; ++i) {
         const kzb_parameter &parameter = declaration.parameters[i];
-        if (given[i] == nullptr && giver_of(parameter) == Giver::user && !parameter.has_default)
+        if (given[i] == nullptr && form.giver_of(i) == Giver::user && !parameter.has_default)
             return stop(Stage::missing, i, 0);
     }
     for (size_t i = 0; i < declaration.parameter_count; ++i) {
         const kzb_parameter &parameter = declaration.parameters[i];
         if (given[i] == nullptr) {
-            if (!parameter.has_default) result.arguments.push_back({parameter.name, giver_of(parameter), {}});
+            if (!parameter.has_default) result.arguments.push_back({parameter.name, form.giver_of(i), {}});
             continue;
         }
         if (!fits(given[i]->value.get(), parameter.type))

@@ -4,7 +4,6 @@
  */
 #include <picturekzb/runtime.h>
 #include <stdio.h>
-#include <string.h>
 
 static kzb_value integer(int64_t number) {
     kzb_value value = {.kind = KZB_INTEGER, .integer = number};

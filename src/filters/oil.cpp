@@ -13,9 +13,6 @@ using kernels::Bins;
 
 constexpr int32_t most_levels = 256;
 
-// The most values that 32-bit histograms can count, with their sums.
-constexpr int64_t most_narrow = INT32_MAX / 256 - 1;
-
 // The rows or columns at most `range` away that there are.
 struct Stretch {
     int32_t start;
@@ -120,7 +117,9 @@ ImageObject oil_filter(ImageObject image, ImageObject dest, int32_t levels, int3
     const int32_t reach = std::min(range, std::max(source.Width, source.Height));
     const int64_t window = 2 * int64_t{reach} + 1;
     const int64_t most_counted = std::min<int64_t>(window, source.Width) * std::min<int64_t>(window, source.Height);
-    const auto by_rows = most_counted <= most_narrow ? oil_by_rows<int32_t> : oil_by_rows<int64_t>;
+    const auto by_rows = most_counted <= kernels::Histogram<int16_t>::most   ? oil_by_rows<int16_t>
+                         : most_counted <= kernels::Histogram<int32_t>::most ? oil_by_rows<int32_t>
+                                                                             : oil_by_rows<int64_t>;
     const RowRoute route = row_route(source, destination, channels);
     if (!route.by_rows || !by_rows(source, destination, route, bins, reach))
         oil_plainly(source, destination, channels, bins, reach);

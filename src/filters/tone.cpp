@@ -66,7 +66,8 @@ Table gain_table(double gain, double bias) {
 
 Table transfer_table(IntegerArray array) {
     Table table = {};
-    if (array == nullptr) return table;
+    // Without it a 0 would stand for an element that there need not be.
+    if (array == nullptr || !RuntimeUBound.offered()) return table;
     const int32_t last = std::min(RuntimeUBound(array), 255);
     for (int32_t i = 0; i <= last; ++i) {
         int32_t value = 0;

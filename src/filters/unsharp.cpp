@@ -63,7 +63,7 @@ Boolean unsharp_filter(ImageObject object, ImageObject origpixels, double amount
     PacedImage paced_image(image);
     PacedImage paced_reference(reference);
     if (!alike(image, reference) || !usable(image) || !paced_image.pace()) return 0;
-    if (!usable(reference) || !paced_reference.pace() || !paced_image.unchanged() || !alike(image, reference)) return 0;
+    if (!usable(reference) || !paced_reference.pace() || !paced_image.unchanged()) return 0;
 
     Buffer<uint8_t> table(256 * 256);
     if (!table) return 0;

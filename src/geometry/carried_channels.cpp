@@ -12,12 +12,6 @@ Channels CarriedChannels::targets_of(Channel lane) const {
     return lane == Channel::gray && spreads_gray ? colours : Channels{lane};
 }
 
-Channels CarriedChannels::sources_of(Channel lane) const {
-    if (lane == Channel::gray && mixes_gray) return colours;
-    if (lane == Channel::gray && spreads_gray) return {lane, lane, lane};
-    return {lane};
-}
-
 std::optional<CarriedChannels> carried_between(const ImageRecord &source, const ImageRecord &destination) {
     if (!(source.IsRGB || source.IsGray) || !(destination.IsRGB || destination.IsGray)) return std::nullopt;
     const bool mixes_gray = source.IsRGB && !destination.IsRGB;

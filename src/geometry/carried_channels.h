@@ -1,4 +1,4 @@
-// What scaling carries from one layout to another.
+// What filtered scaling carries from one layout to another.
 #pragma once
 
 #include "image/channels.h"
@@ -15,8 +15,6 @@ struct CarriedChannels {
 
     // The destination's channels that a lane is written to.
     Channels targets_of(Channel lane) const;
-    // The source's channels that these are read from: one for each, but red, green and blue for mixed gray.
-    Channels sources_of(Channel lane) const;
 };
 
 // None where one of the layouts is neither gray nor colour.

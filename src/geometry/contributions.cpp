@@ -5,8 +5,8 @@
 
 namespace kzb {
 
-Contributions::Contributions(const ScaleKernel &kernel, int32_t outputs, int32_t inputs, Span span)
-    : kernel_(kernel), inputs_(inputs), scale_(static_cast<double>(outputs) / inputs), span_(span) {
+Contributions::Contributions(const ScaleKernel &kernel, int32_t outputs, int32_t inputs)
+    : kernel_(kernel), inputs_(inputs), scale_(static_cast<double>(outputs) / inputs) {
     int64_t count = 0;
     for (int32_t i = 0; i < outputs; ++i) count += candidates(i).count;
     Buffer<kernels::ContributionList> lists(outputs);
@@ -23,19 +23,10 @@ Contributions::Contributions(const ScaleKernel &kernel, int32_t outputs, int32_t
 
 Contributions::Candidates Contributions::candidates(int32_t output) const {
     const double centre = (output + 0.5) / scale_;
-    const bool shrinks = scale_ < 1;
-    const double reach = shrinks ? kernel_.support / scale_ : kernel_.support;
-    double first = centre - reach;
-    double last = centre + reach;
-    if (shrinks || span_ == Span::toward_zero) {
-        first = std::trunc(first);
-        last = std::trunc(last);
-    } else {
-        first = std::floor(first);
-        last = std::ceil(last);
-    }
-    first = std::max(first, 0.0);
-    last = std::min(last, inputs_ - 1.0);
+    const double reach = scale_ < 1 ? kernel_.support / scale_ : kernel_.support;
+    // Truncated, an enlarging filter's too: rounding outward adds only pixels that weigh 0.
+    const double first = std::max(std::trunc(centre - reach), 0.0);
+    const double last = std::min(std::trunc(centre + reach), inputs_ - 1.0);
     if (first > last) return {centre, 0, 0};
     return {centre, static_cast<int32_t>(first), static_cast<int64_t>(last - first) + 1};
 }

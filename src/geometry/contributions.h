@@ -9,11 +9,8 @@ namespace kzb {
 
 class Contributions {
 public:
-    // How the first and last input pixel under an enlarging filter are found.
-    enum class Span { outward, toward_zero };
-
     // Empty lists, one for each of `outputs` pixels made from `inputs`. Where the memory cannot be had they stay empty.
-    Contributions(const ScaleKernel &kernel, int32_t outputs, int32_t inputs, Span span);
+    Contributions(const ScaleKernel &kernel, int32_t outputs, int32_t inputs);
 
     // Fills the list of an output pixel, in ascending order of input pixels and without weights of 0.
     void build(int32_t output);
@@ -36,7 +33,6 @@ private:
     const ScaleKernel &kernel_;
     int32_t inputs_;
     double scale_;
-    Span span_;
     Buffer<kernels::ContributionList> lists_;
     Buffer<kernels::Contribution> entries_;
 };

@@ -3,43 +3,9 @@
 #include "geometry/rectangle.h"
 #include "image/paced_image.h"
 #include "image/pixel_conversion.h"
-#include "image/row_window.h"
-
-#include <optional>
+#include "image/row_pairs.h"
 
 namespace kzb {
-
-namespace {
-
-// The two images' rows, a pair at a time.
-class RowPairs {
-public:
-    RowPairs(ImageRecord &image, ImageRecord &source) : image_(image), source_(&source) {
-        same_file_ = image.IsMapping && source.IsMapping && image.storage_id == source.storage_id;
-        // One record has one window, which two far rows would move to and fro.
-        if (&image == &source && same_file_) source_ = &window_.emplace(source).image();
-    }
-
-    // False when a row cannot be reached. The addresses are void at the next call.
-    bool fetch(int32_t to, int32_t from) {
-        target = image_.row_accessor(image_, to);
-        // Two windows on one row would hide from the row functions that its bytes are the same.
-        const bool same_row = same_file_ && int64_t{image_.RowOffset} + to == int64_t{source_->RowOffset} + from;
-        row = same_row ? target : source_->row_accessor(*source_, from);
-        return target != nullptr && row != nullptr;
-    }
-
-    uint8_t *target = nullptr;
-    const uint8_t *row = nullptr;
-
-private:
-    ImageRecord &image_;
-    ImageRecord *source_;
-    std::optional<RowWindow> window_;
-    bool same_file_;
-};
-
-} // namespace
 
 void copy_pixels_rectangle(ImageObject object, ImageObject source_object, int32_t dest_x, int32_t dest_y,
                            int32_t dest_width, int32_t dest_height, int32_t source_x, int32_t source_y) {

@@ -30,7 +30,7 @@ bool resample(ImageRecord &source, ImageRecord &temp, ImageRecord &destination, 
     if (!holds(destination, width, height) || !holds(temp, width, source.Height)) return false;
 
     {
-        Contributions columns(kernel, width, source.Width, Contributions::Span::outward);
+        Contributions columns(kernel, width, source.Width);
         for (int32_t x = 0; x < width; ++x) {
             columns.build(x);
             if (!images.pace()) return false;
@@ -39,7 +39,7 @@ bool resample(ImageRecord &source, ImageRecord &temp, ImageRecord &destination, 
         for (int32_t y = 0; y < source.Height; ++y)
             if (!pass.make_row(y) || !images.pace()) return false;
     }
-    Contributions rows(kernel, height, source.Height, Contributions::Span::toward_zero);
+    Contributions rows(kernel, height, source.Height);
     for (int32_t y = 0; y < height; ++y) rows.build(y);
     const VerticalPass pass(temp, destination, *carried, rows, width);
     for (int32_t y = 0; y < height; ++y)

@@ -14,7 +14,9 @@ double triangle(double distance) {
     return x < 1 ? 1 - x : 0.0;
 }
 
-double box(double distance) { return std::abs(distance) <= 0.5 ? 1.0 : 0.0; }
+double box(double distance) {
+    return std::abs(distance) <= 0.5 ? 1.0 : 0.0;
+}
 
 double sinc(double t) {
     if (t == 0) return 1.0;

@@ -15,19 +15,27 @@ constexpr int32_t floats_per_pixel = 4;
 // Where a channel lies among the floats of an intermediate pixel.
 int32_t slot_of(Channel lane) {
     switch (lane) {
-    case Channel::red: return 0;
+    case Channel::red:
+        return 0;
     case Channel::green:
-    case Channel::gray: return 1;
-    case Channel::blue: return 2;
-    case Channel::alpha: return 3;
+    case Channel::gray:
+        return 1;
+    case Channel::blue:
+        return 2;
+    case Channel::alpha:
+        return 3;
     }
     return 0;
 }
 
 // Three lanes are kept as four, the last of them 0.
-size_t lane_count_of(const CarriedChannels &carried) { return carried.lanes.size() <= 2 ? carried.lanes.size() : 4; }
+size_t lane_count_of(const CarriedChannels &carried) {
+    return carried.lanes.size() <= 2 ? carried.lanes.size() : 4;
+}
 
-bool share_bytes(const ImageRecord &a, const ImageRecord &b) { return sharing_of(a, b, {}) != Sharing::none; }
+bool share_bytes(const ImageRecord &a, const ImageRecord &b) {
+    return sharing_of(a, b, {}) != Sharing::none;
+}
 
 uint8_t *float_at(ImageRecord &temp, int32_t column, int32_t row, int32_t slot) {
     return channel_at(temp, column, row, slot * static_cast<int32_t>(sizeof(float)));

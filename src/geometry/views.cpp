@@ -24,6 +24,8 @@ template <class Shape> ImageObject make_view(ImageObject parent_object, Shape sh
     auto object = new_image();
     if (!object) return nullptr;
     const ImageRecord &parent = *record_of(parent_object);
+    auto held_parent = ImageReference::share(parent_object);
+    if (!held_parent) return nullptr;
     ImageRecord &view = *record_of(object.get());
     view.Valid = parent.Valid;
     view.Width = parent.Width;
@@ -35,7 +37,7 @@ template <class Shape> ImageObject make_view(ImageObject parent_object, Shape sh
     view.original_total_size = parent.original_total_size;
     view.row_accessor = parent.row_accessor;
     view.storage_id = parent.storage_id;
-    view.Parent = ImageReference::share(parent_object).release();
+    view.Parent = held_parent.release();
     view.Target = Reference<Picture>::share(parent.Target).release();
     shape(view, parent);
     if (parent.IsMapping) {

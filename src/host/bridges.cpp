@@ -34,6 +34,10 @@ void raise(const char *class_name, const char *message) {
     StringReference text(message == nullptr
                              ? nullptr
                              : make_string(message, static_cast<int32_t>(std::strlen(message)), KZB_ENCODING_ASCII));
+    if (!RuntimeRaiseException.offered()) {
+        Reference<Object>::adopt(exception);
+        return;
+    }
     // The host raises only when the method returns, so that the message may follow.
     RuntimeRaiseException(exception);
     REALSetPropValueString(exception, "Message", text.get());

@@ -20,9 +20,14 @@ public:
     constexpr explicit EntryPoint(const char *name) : name_(name) {}
 
     Result operator()(Arguments... arguments) {
-        if (address_ == nullptr) address_ = reinterpret_cast<Function *>(resolve(name_));
-        if (address_ == nullptr) return Result();
+        if (!offered()) return Result();
         return address_(arguments...);
+    }
+
+    // Whether the host has it, for the few callers to whom 0 does not tell.
+    bool offered() {
+        if (address_ == nullptr) address_ = reinterpret_cast<Function *>(resolve(name_));
+        return address_ != nullptr;
     }
 
 private:

@@ -13,9 +13,10 @@ public:
     Reference() = default;
     // Takes over a reference that the caller owns.
     static Reference adopt(T object) { return Reference(object); }
-    // Adds a reference of its own.
+    // Adds a reference of its own; nil in a host where none can be added, as none must be dropped there later on.
     static Reference share(T object) {
-        if (object != nullptr) REALLockObject(as_object(object));
+        if (object == nullptr || !REALLockObject.offered()) return {};
+        REALLockObject(as_object(object));
         return Reference(object);
     }
     Reference(Reference &&other) noexcept : object_(std::exchange(other.object_, nullptr)) {}

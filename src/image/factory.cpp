@@ -13,6 +13,7 @@ ImageReference ask(FactoryObject factory, int32_t width, int32_t height, int32_t
     if (factory == nullptr) return {};
     // The handler may replace the factory.
     auto held = Reference<FactoryObject>::share(factory);
+    if (!held) return {};
     auto *handler =
         reinterpret_cast<NewPictureKZBHandler *>(GetEventInstance(as_object(factory), &new_picture_event));
     if (handler == nullptr) return {};

@@ -55,8 +55,9 @@ bool PictureReader::lock(Picture picture) {
     if (description.kind == KZB_PICTURE_GWORLD && description.port != nullptr) {
         PixMapHandle map = GetGWorldPixMap(static_cast<GWorldPtr>(description.port));
         if (map != nullptr && GetPixDepth(map) == 32 && LockPixels(map)) {
-            if (auto *base = reinterpret_cast<const uint8_t *>(GetPixBaseAddr(map))) {
-                held_ = Reference<Picture>::share(picture);
+            auto *base = reinterpret_cast<const uint8_t *>(GetPixBaseAddr(map));
+            if (base != nullptr) held_ = Reference<Picture>::share(picture);
+            if (held_) {
                 description_ = description;
                 map_ = map;
                 base_ = base;

@@ -21,12 +21,6 @@ struct Span {
     }
 };
 
-bool disjoint(const uint8_t *a, size_t a_size, const uint8_t *b, size_t b_size) {
-    const auto a_start = reinterpret_cast<uintptr_t>(a);
-    const auto b_start = reinterpret_cast<uintptr_t>(b);
-    return a_start + a_size <= b_start || b_start + b_size <= a_start;
-}
-
 // Copies whole runs of bytes where the channels lie at the same places of both pixels and the rows have no bytes in
 // common; false, with nothing written, elsewhere.
 bool convert_as_lanes(uint8_t *target, const uint8_t *source, const Conversion &conversion, size_t count) {
@@ -74,6 +68,12 @@ void weigh_channels(uint8_t *target, const uint8_t *source, Conversion conversio
 }
 
 } // namespace
+
+bool disjoint(const uint8_t *a, size_t a_size, const uint8_t *b, size_t b_size) {
+    const auto a_start = reinterpret_cast<uintptr_t>(a);
+    const auto b_start = reinterpret_cast<uintptr_t>(b);
+    return a_start + a_size <= b_start || b_start + b_size <= a_start;
+}
 
 void copy_channel(uint8_t *target, size_t target_step, const uint8_t *source, size_t source_step, uint8_t flip,
                   size_t count) {

@@ -16,6 +16,9 @@ inline uint8_t gray_from(uint8_t red, uint8_t green, uint8_t blue) {
 void copy_channel(uint8_t *target, size_t target_step, const uint8_t *source, size_t source_step, uint8_t flip,
                   size_t count);
 
+// Whether two runs of bytes have none in common.
+bool disjoint(const uint8_t *a, size_t a_size, const uint8_t *b, size_t b_size);
+
 // Where the channels of a row's pixels lie: bytes from pixel to pixel, and from the pixel's start to each channel.
 struct Placement {
     size_t step;

@@ -11,13 +11,25 @@ namespace {
 // Sums that stay in the processor's nearest cache while tap after tap is added.
 constexpr size_t tile_size = 512;
 
-// Adds in the width of Sum, which wraps around.
+// Taps that one pass over the sums adds.
+constexpr size_t taps_at_once = 5;
+
+// The weighted sums of a tile's samples in the width of Sum, which wraps around.
 template <class Sum> void add_taps(Sum *sums, const Tap *taps, size_t tap_count, size_t start, size_t count) {
     std::fill_n(sums, count, Sum{0});
-    for (const Tap *tap = taps; tap != taps + tap_count; ++tap) {
-        const uint8_t *samples = tap->samples + start;
-        const auto weight = static_cast<Sum>(tap->weight);
-        for (size_t i = 0; i < count; ++i) sums[i] = static_cast<Sum>(sums[i] + static_cast<Sum>(weight * samples[i]));
+    for (size_t first = 0; first < tap_count; first += taps_at_once) {
+        const uint8_t *samples[taps_at_once];
+        Sum weights[taps_at_once];
+        for (size_t k = 0; k < taps_at_once; ++k) {
+            const bool present = first + k < tap_count;
+            samples[k] = taps[present ? first + k : first].samples + start;
+            weights[k] = present ? static_cast<Sum>(taps[first + k].weight) : Sum{0};
+        }
+        for (size_t i = 0; i < count; ++i) {
+            auto sum = static_cast<uint32_t>(sums[i]);
+            for (size_t k = 0; k < taps_at_once; ++k) sum += static_cast<uint32_t>(weights[k]) * samples[k][i];
+            sums[i] = static_cast<Sum>(sum);
+        }
     }
 }
 

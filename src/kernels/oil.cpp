@@ -44,6 +44,7 @@ template <class Number> void oil(uint8_t *target, const OilRow &row, Histogram<N
     }
 }
 
+template void oil(uint8_t *, const OilRow &, Histogram<int16_t> *, const Bins &);
 template void oil(uint8_t *, const OilRow &, Histogram<int32_t> *, const Bins &);
 template void oil(uint8_t *, const OilRow &, Histogram<int64_t> *, const Bins &);
 

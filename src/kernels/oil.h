@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 namespace kzb::kernels {
 
@@ -18,21 +19,18 @@ struct Bins {
     }
 };
 
-// How often the values of one channel occur, bin by bin. Number holds 256 times the number of values counted.
+// How often the values of one channel occur, bin by bin. The narrower Number, the faster the fullest bin is found.
 template <class Number> class Histogram {
 public:
+    // As many values can be counted.
+    static constexpr Number most = std::numeric_limits<Number>::max() / 256;
+
     void clear() {
         for (size_t bin = 0; bin < 256; ++bin) ranks_[bin] = static_cast<Number>(255 - bin);
         sums_.fill(0);
     }
-    void add(uint8_t value, const Bins &bins) {
-        ranks_[bins.of[value]] += 256;
-        sums_[bins.of[value]] += value;
-    }
-    void remove(uint8_t value, const Bins &bins) {
-        ranks_[bins.of[value]] -= 256;
-        sums_[bins.of[value]] -= value;
-    }
+    void add(uint8_t value, const Bins &bins) { count(value, bins, 256, value); }
+    void remove(uint8_t value, const Bins &bins) { count(value, bins, -256, -value); }
     // The mean, truncated, of the values in the fullest bin, of several the lowest. Not for an empty histogram.
     uint8_t fullest_mean(const Bins &bins) const {
         Number best = 0;
@@ -43,6 +41,12 @@ public:
     }
 
 private:
+    void count(uint8_t value, const Bins &bins, int32_t rank, int32_t sum) {
+        const size_t bin = bins.of[value];
+        ranks_[bin] = static_cast<Number>(ranks_[bin] + rank);
+        sums_[bin] = static_cast<Number>(sums_[bin] + sum);
+    }
+
     // 256 * count + 255 - bin: the greatest is that of the fullest bin, of several the lowest.
     std::array<Number, 256> ranks_;
     std::array<Number, 256> sums_;
@@ -61,6 +65,7 @@ struct OilRow {
 };
 template <class Number> void oil(uint8_t *target, const OilRow &row, Histogram<Number> *histograms, const Bins &bins);
 
+extern template void oil(uint8_t *, const OilRow &, Histogram<int16_t> *, const Bins &);
 extern template void oil(uint8_t *, const OilRow &, Histogram<int32_t> *, const Bins &);
 extern template void oil(uint8_t *, const OilRow &, Histogram<int64_t> *, const Bins &);
 

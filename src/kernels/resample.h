@@ -29,7 +29,9 @@ inline double weighted_mean(double sum, double weights) {
     return positive < 255 ? positive : 255.0;
 }
 
-inline double mixed_gray(uint8_t red, uint8_t green, uint8_t blue) { return 0.3 * red + 0.59 * green + 0.11 * blue; }
+inline double mixed_gray(uint8_t red, uint8_t green, uint8_t blue) {
+    return 0.3 * red + 0.59 * green + 0.11 * blue;
+}
 
 // lanes[i * lane_step] = bytes[i * byte_step] for i below count.
 void widen(double *lanes, size_t lane_step, const uint8_t *bytes, size_t byte_step, size_t count);

@@ -16,7 +16,7 @@ char *put_utf8(char *at, uint32_t code) {
         return at;
     }
     const int continuation = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-    *at++ = static_cast<char>((0xF00 >> continuation & 0xFF) | code >> 6 * continuation);
+    *at++ = static_cast<char>((0xFF00 >> (continuation + 1) & 0xFF) | code >> 6 * continuation);
     for (int shift = 6 * (continuation - 1); shift >= 0; shift -= 6)
         *at++ = static_cast<char>(0x80 | (code >> shift & 0x3F));
     return at;

@@ -50,6 +50,18 @@ TEST_F(ExitCodes, Is1WhenAStepGivesNil) {
                    {"step 1, AlphaChannel,", "7 x 5 pixels, ImageFormatRGB", "it gave nil"});
 }
 
+TEST_F(ExitCodes, Is1WhenAPictureToWriteOnCannotBeMade) {
+    expect_failure({"plain.png", ":", "ScaleFast", "2000000000", "2000000000", "-o", "out.png"}, 1,
+                   {"step 1, ScaleFast 2000000000 2000000000,", "could not be made"});
+    expect_failure({"plain.png", ":", "Scale", "ScaleBox", "-1", "4", "-o", "out.png"}, 1,
+                   {"step 1, Scale ScaleBox -1 4,"});
+}
+
+TEST_F(ExitCodes, Is1WhenAnArgumentIsOutOfTheMethodsRange) {
+    expect_failure({"plain.png", ":", "Scale", "8", "4", "4", "-o", "out.png"}, 1, {"it gave false", "kzb help Scale"});
+    expect_failure({"plain.png", ":", "ApplyMatrix", "[1,2]", "-o", "out.png"}, 1, {"it gave nil"});
+}
+
 TEST_F(ExitCodes, Is1WhenThePictureAtTheEndIsEmpty) {
     expect_failure({"plain.png", ":", "ClipImage", "7", "0", "4", "4", "-o", "out.png"}, 1, {"0 x 4 pixels"});
 }

@@ -97,6 +97,10 @@ TEST_F(Help, NamesTheConstantsThatAnArgumentTakes) {
     EXPECT_TRUE(contains(create, "ImageFormatRGBA")) << create;
     EXPECT_TRUE(contains(create, "ImageFormatAofABGR")) << create;
     EXPECT_FALSE(contains(create, "ScaleBox")) << create;
+    const std::string scale = text({"help", "Scale"});
+    EXPECT_TRUE(contains(scale, "\nConstants\n  ScaleTriangle ScaleBox ")) << scale;
+    EXPECT_FALSE(contains(scale, "ImageFormatRGB")) << scale;
+    EXPECT_TRUE(contains(text({"help", "DitherFilter"}), "DitherOrdered8x8Matrix"));
 }
 
 TEST_F(Help, OnAnUnknownMethodNamesTheNearest) {

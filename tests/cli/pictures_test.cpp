@@ -25,10 +25,10 @@ protected:
         });
     }
 
-    // What the module's own call makes of the sample without alpha.
-    template <class... Words> static Pixels called(const char *method, const Words &...arguments) {
+    // The sample without alpha as the module's own, and a picture of its layout, RGB, as pixels.
+    static Image sample_image() {
         const Pixels sample = plain_sample();
-        Image image(sample.width, sample.height, 1);
+        const Image image(sample.width, sample.height, 1);
         for (int32_t y = 0; y < sample.height; ++y) {
             Bytes row;
             for (int32_t x = 0; x < sample.width; ++x) {
@@ -37,12 +37,19 @@ protected:
             }
             image.assign("RowInFormat", block_of(row), y, 1);
         }
-        const Image made(image.call(method, arguments...));
-        return make_pixels(made.width(), made.height(), false, [&](int32_t x, int32_t y) {
-            const Bytes row = made.row(y);
+        return image;
+    }
+    static Pixels pixels_of(const Image &image) {
+        return make_pixels(image.width(), image.height(), false, [&](int32_t x, int32_t y) {
+            const Bytes row = image.row(y);
             const size_t at = static_cast<size_t>(x) * 3;
             return Pixel{row[at], row[at + 1], row[at + 2], 255};
         });
+    }
+
+    // What the module's own call makes of the sample.
+    template <class... Arguments> static Pixels called(const char *method, const Arguments &...arguments) {
+        return pixels_of(Image(sample_image().call(method, arguments...)));
     }
 };
 
@@ -107,6 +114,39 @@ TEST_F(Pictures, ToWriteOnAreMadeByTheChain) {
                   return x >= 1 && x < 4 && y >= 2 ? plain_sample().at(x - 1, y - 2) : Pixel{0, 0, 0, 255};
               }));
     EXPECT_EQ(result("alpha.png", {":", "CopyPixels"}), alpha_sample());
+}
+
+TEST_F(Pictures, AreScaledIntoANewPictureOfTheSizeThatTheStepStates) {
+    const Image scaled(14, 3, 1);
+    ASSERT_TRUE(scaled.call("Scale", sample_image(), nullptr, 3, 14, 3).boolean());
+    EXPECT_EQ(result("plain.png", {":", "Scale", "ScaleLanczos3", "14", "3"}), pixels_of(scaled));
+    EXPECT_EQ(result("plain.png", {":", "Scale", "height=3", "width=14", "mode=ScaleLanczos3", "temp=nil"}),
+              pixels_of(scaled));
+    const Image fast(3, 10, 1);
+    ASSERT_TRUE(fast.call("ScaleFast", sample_image(), 3, 10).boolean());
+    EXPECT_EQ(result("plain.png", {":", "ScaleFast", "3", "10"}), pixels_of(fast));
+}
+
+TEST_F(Pictures, KeepTheirAlphaWhenScaled) {
+    EXPECT_EQ(result("alpha.png", {":", "Scale", "ScaleBox", "7", "5"}), alpha_sample());
+    EXPECT_EQ(result("alpha.png", {":", "ScaleFast", "7", "5"}), alpha_sample());
+}
+
+TEST_F(Pictures, KeepTheirShapeThroughAConvolution) {
+    std::string matrix = "[1";
+    std::vector<int32_t> weights = {1};
+    for (int32_t i = 1; i < 25; ++i) {
+        weights.push_back(i % 3 - 1);
+        matrix.append(",").append(std::to_string(i % 3 - 1));
+    }
+    const Image convolved(sample_width, sample_height, 1);
+    sample_image().call("ApplyMatrix", convolved, array_of(weights), -10);
+    EXPECT_EQ(result("plain.png", {":", "ApplyMatrix", "matrix=" + matrix + "]", "delta=-10"}), pixels_of(convolved));
+}
+
+TEST_F(Pictures, AreDitheredWithAMatrixByName) {
+    EXPECT_EQ(result("plain.png", {":", "DitherFilter", "DitherOrdered8x8Matrix", "2"}),
+              called("DitherFilter", nullptr, 7, 2));
 }
 
 TEST_F(Pictures, AreReadFromJpegAndWrittenToIt) {

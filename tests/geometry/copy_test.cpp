@@ -1,7 +1,7 @@
 // CopyPixels.
 
+#include "fixtures/plain_rectangle.h"
 #include "fixtures/storages.h"
-#include "geometry/plain_rectangle.h"
 #include "geometry/shapes.h"
 
 #include <gtest/gtest.h>
@@ -22,41 +22,9 @@ std::string text_of(const Copy &c) {
     return text;
 }
 
-// One axis of the rule: where it starts in the image and in the source, and how long it is.
-struct Axis {
-    int32_t dest;
-    int64_t source;
-    int64_t length;
-};
-
-Axis cut(int32_t limit, int32_t source_limit, int32_t dest, int32_t length, int32_t source) {
-    if (source < 0) {
-        length = plus(length, source);
-        dest = plus(dest, source);
-        source = 0;
-    }
-    if (length < 0) {
-        dest = plus(dest, length);
-        length = minus(0, length);
-    }
-    int64_t from = source;
-    if (dest < 0) {
-        length = plus(length, dest);
-        from -= dest;
-        dest = 0;
-    }
-    const auto whole = static_cast<uint32_t>(limit);
-    const auto start = static_cast<uint32_t>(dest);
-    uint32_t left = whole > start ? static_cast<uint32_t>(length) : 0;
-    if (start + left > whole) left = whole - start;
-    int64_t count = static_cast<int32_t>(left);
-    if (from + count > source_limit) count = source_limit - from;
-    return {dest, from, count};
-}
-
 void copy_plainly(const PlainImage &image, const PlainImage &source, const Copy &c) {
-    const Axis columns = cut(image.width, source.width, c.dest_x, c.width, c.source_x);
-    const Axis rows = cut(image.height, source.height, c.dest_y, c.height, c.source_y);
+    const PlainAxis columns = plain_cut(image.width, source.width, c.dest_x, c.width, c.source_x);
+    const PlainAxis rows = plain_cut(image.height, source.height, c.dest_y, c.height, c.source_y);
     if (columns.length < 1 || rows.length < 1) return;
     if ((!image.is_rgb && !image.is_gray) || (!source.is_rgb && !source.is_gray)) return;
     for (int64_t i = 0; i < rows.length; ++i) {

@@ -1,7 +1,7 @@
 // Invert, ClearRect, FillRect and FillRectRGB.
 
+#include "fixtures/plain_rectangle.h"
 #include "fixtures/storages.h"
-#include "geometry/plain_rectangle.h"
 #include "geometry/shapes.h"
 
 #include <gtest/gtest.h>
@@ -128,9 +128,8 @@ TEST(FillRect, WithoutARectangleIsTheWholeImage) {
     for (const Layout &of : layouts()) {
         const Image image = *make_image(Storage::block, 7, 5, of.code, 3);
         SCOPED_TRACE(of.name);
-        expect_meaning(
-            image, [](const Image &filled, PlainRectangle) { filled.call("FillRect", 200); }, filling(200),
-            {{0, 0, 7, 5}});
+        expect_meaning(image, [](const Image &filled, PlainRectangle) { filled.call("FillRect", 200); }, filling(200),
+                       {{0, 0, 7, 5}});
     }
 }
 
@@ -235,18 +234,15 @@ TEST(FillRectRGB, EveryFormWithoutARectangleIsTheWholeImage) {
     for (const Layout &of : layouts()) {
         SCOPED_TRACE(of.name);
         const Image image = *make_image(Storage::block, 7, 5, of.code, 3);
-        expect_meaning(
-            image, [](const Image &filled, PlainRectangle) { filled.call("FillRectRGB", 9, 8, 7); },
-            filling_colours({9, 8, 7, 0}, false), {whole});
-        expect_meaning(
-            image, [](const Image &filled, PlainRectangle) { filled.call("FillRectRGB", 9, 18, 17, 16); },
-            filling_colours({9, 18, 17, 16}, true), {whole});
-        expect_meaning(
-            image, [](const Image &filled, PlainRectangle) { filled.call("FillRectRGB", Colour{0x010203}); },
-            filling_colours({1, 2, 3, 0}, false), {whole});
-        expect_meaning(
-            image, [](const Image &filled, PlainRectangle) { filled.call("FillRectRGB", Colour{0xA1B2C3}, 0xD4); },
-            filling_colours({0xA1, 0xB2, 0xC3, 0xD4}, true), {whole});
+        expect_meaning(image, [](const Image &filled, PlainRectangle) { filled.call("FillRectRGB", 9, 8, 7); },
+                       filling_colours({9, 8, 7, 0}, false), {whole});
+        expect_meaning(image, [](const Image &filled, PlainRectangle) { filled.call("FillRectRGB", 9, 18, 17, 16); },
+                       filling_colours({9, 18, 17, 16}, true), {whole});
+        expect_meaning(image, [](const Image &filled, PlainRectangle) { filled.call("FillRectRGB", Colour{0x010203}); },
+                       filling_colours({1, 2, 3, 0}, false), {whole});
+        expect_meaning(image,
+                       [](const Image &filled, PlainRectangle) { filled.call("FillRectRGB", Colour{0xA1B2C3}, 0xD4); },
+                       filling_colours({0xA1, 0xB2, 0xC3, 0xD4}, true), {whole});
     }
 }
 
@@ -330,8 +326,7 @@ TEST(Invert, ComplementsWhatItsLayoutSays) {
         const PlainRectangle r = clipped(plain, given);
         if (empty(r)) return;
         std::vector<Channel> channels = plain.channels();
-        if (plain.has_alpha && plain.is_rgb)
-            channels = {Channel::red, Channel::green, Channel::green, Channel::blue};
+        if (plain.has_alpha && plain.is_rgb) channels = {Channel::red, Channel::green, Channel::green, Channel::blue};
         visit_pixels(r, [&](int32_t x, int32_t y) {
             for (Channel channel : channels)
                 plain.set(x, y, channel, static_cast<uint8_t>(255 - plain.get(x, y, channel)));
@@ -339,9 +334,9 @@ TEST(Invert, ComplementsWhatItsLayoutSays) {
     };
     check([](const Image &image, PlainRectangle r) { image.call("Invert", r.x, r.y, r.w, r.h); }, inverting);
     for (const Layout &of : layouts())
-        expect_meaning(
-            *make_image(Storage::block, 7, 5, of.code, 3),
-            [](const Image &inverted, PlainRectangle) { inverted.call("Invert"); }, inverting, {{0, 0, 7, 5}});
+        expect_meaning(*make_image(Storage::block, 7, 5, of.code, 3),
+                       [](const Image &inverted, PlainRectangle) { inverted.call("Invert"); }, inverting,
+                       {{0, 0, 7, 5}});
 }
 
 TEST(Invert, TwiceRestoresEveryLayout) {

@@ -10,8 +10,8 @@ struct Shape {
     Image image;
 };
 
-// The image itself, its channels, its colours without alpha, rectangles of it, and views of these: of a rectangle of the
-// colours without alpha all channels lie at the same byte.
+// The image itself, its channels, its colours without alpha, rectangles of it, and views of these: of a rectangle of
+// the colours without alpha all channels lie at the same byte.
 inline std::vector<Shape> shapes_of(const Image &image) {
     std::vector<Shape> shapes = {{"itself", image}};
     const auto add = [&](const std::string &name, const Value &view) {

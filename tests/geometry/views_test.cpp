@@ -1,7 +1,7 @@
 // Channel views, RGBChannels, ClipImage and Clone.
 
+#include "fixtures/plain_rectangle.h"
 #include "fixtures/storages.h"
-#include "geometry/plain_rectangle.h"
 #include "geometry/shapes.h"
 
 #include <gtest/gtest.h>
@@ -137,12 +137,12 @@ TEST(ClipImage, IsARectangleOfTheParent) {
                 EXPECT_EQ(view.format(), of.code);
                 for (const char *flag : flags) EXPECT_EQ(view.flag(flag), image->flag(flag)) << flag;
                 for (size_t i = 0; i < 5; ++i)
-                    EXPECT_EQ(view.integer(offsets[i]),
-                              image->flag(channel_flags[i])
-                                  ? plus(plain.offsets[i],
-                                         static_cast<int32_t>(static_cast<uint32_t>(cut.x) *
-                                                              static_cast<uint32_t>(plain.pixel_size)))
-                                  : 0)
+                    EXPECT_EQ(
+                        view.integer(offsets[i]),
+                        image->flag(channel_flags[i])
+                            ? plus(plain.offsets[i], static_cast<int32_t>(static_cast<uint32_t>(cut.x) *
+                                                                          static_cast<uint32_t>(plain.pixel_size)))
+                            : 0)
                         << offsets[i];
             }
         }

@@ -35,7 +35,9 @@ Object handled_factory() {
     return factory;
 }
 
-void set_factory(const Value &factory) { call_shared("PictureFactoryKZB", "SetFactory", {factory}); }
+void set_factory(const Value &factory) {
+    call_shared("PictureFactoryKZB", "SetFactory", {factory});
+}
 
 class Factories : public testing::Test {
 protected:

@@ -44,10 +44,17 @@ TEST(InMemory, AWidthOfZeroIsValidWithoutStorage) {
 TEST(InMemory, SizesThatDoNotFitAreRefused) {
     struct {
         int32_t width, height, format;
-    } const refused[] = {{32768, 32768, 2},         {INT32_MAX, 1, 14},  {INT32_MAX, INT32_MAX, 14},
-                         {INT32_MAX, INT32_MAX, 1}, {INT32_MAX, 0, 2},   {-1, 5, 1},
-                         {5, -1, 1},                {-5, -5, 1},         {INT32_MIN, 5, 2},
-                         {5, INT32_MIN, 2},         {INT32_MIN, INT32_MIN, 14}};
+    } const refused[] = {{32768, 32768, 2},
+                         {INT32_MAX, 1, 14},
+                         {INT32_MAX, INT32_MAX, 14},
+                         {INT32_MAX, INT32_MAX, 1},
+                         {INT32_MAX, 0, 2},
+                         {-1, 5, 1},
+                         {5, -1, 1},
+                         {-5, -5, 1},
+                         {INT32_MIN, 5, 2},
+                         {5, INT32_MIN, 2},
+                         {INT32_MIN, INT32_MIN, 14}};
     for (const auto &[width, height, format] : refused) {
         const Image image(width, height, format);
         EXPECT_FALSE(image.valid()) << width << " x " << height;
@@ -92,9 +99,9 @@ TEST(OverABlock, RefusesWhatDoesNotFit) {
     const Value block = block_of(Bytes(64));
     struct {
         int32_t width, height, format, row_size;
-    } const refused[] = {{1, 65536, 11, 65536}, {3, 4, 0, 10},          {3, 4, 22, 10}, {3, -4, 1, 10},
-                         {-3, 4, 1, 10},        {3, 4, 1, -10},         {3, -4, 1, -10}, {INT32_MAX, 1, 2, 64},
-                         {1, INT32_MAX, 11, INT32_MAX}};
+    } const refused[] = {{1, 65536, 11, 65536}, {3, 4, 0, 10},         {3, 4, 22, 10},
+                         {3, -4, 1, 10},        {-3, 4, 1, 10},        {3, 4, 1, -10},
+                         {3, -4, 1, -10},       {INT32_MAX, 1, 2, 64}, {1, INT32_MAX, 11, INT32_MAX}};
     for (const auto &[width, height, format, row_size] : refused) {
         const Image image(Object::make("PictureKZB", block, width, height, format, row_size));
         EXPECT_FALSE(image.valid()) << width << ' ' << height << ' ' << row_size;

@@ -1,0 +1,209 @@
+// The blur by the fraction of a pixel.
+
+#include "filters/gray_lines.h"
+#include "fixtures/filter_check.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace kzb::test {
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+// Both passes as stated: rows are copied before they are written, a row below is read as it stands.
+void fractional_blur(const PlainImage &source, const PlainImage &destination, double radius) {
+    const double f = std::isfinite(radius) && radius > 0 ? radius - std::floor(radius) : 0;
+    const double w = 1 / (2 * f + 1);
+    const auto blurred = [&](int c, int p, int q) { return static_cast<uint8_t>((c + (p + q) * f) * w); };
+    const auto copy_of = [](const PlainImage &image, int64_t y) {
+        Bytes copy(static_cast<size_t>(image.row_size) + 20);
+        for (int64_t b = 0; b < image.row_size; ++b)
+            if (const int64_t at = image.position(y, b); image.inside(at))
+                copy[static_cast<size_t>(b)] = (*image.storage)[static_cast<size_t>(at)];
+        return copy;
+    };
+    const auto at = [](const Bytes &copy, const PlainImage &image, int64_t x, Channel channel) {
+        const auto byte = static_cast<size_t>(x * image.pixel_size + image.offset(channel));
+        return byte < copy.size() ? copy[byte] : uint8_t{0};
+    };
+    Bytes above, row;
+    for (int64_t y = 0; y < source.height; ++y) {
+        above = row;
+        row = copy_of(source, y);
+        for (int64_t x = 0; x < source.width; ++x)
+            for (Channel channel : source.channels()) {
+                const int c = at(row, source, x, channel);
+                if (y == 0)
+                    destination.set(x, y, channel, blurred(c, c, c));
+                else if (y < source.height - 1)
+                    destination.set(x, y, channel,
+                                    blurred(c, at(above, source, x, channel), source.get(x, y + 1, channel)));
+                else
+                    destination.set(x, y, channel, blurred(c, c, at(above, source, x, channel)));
+            }
+    }
+    const int64_t last = source.width - 1;
+    for (int64_t y = 0; y < source.height; ++y) {
+        row = copy_of(destination, y);
+        for (int64_t x = 0; x < source.width; ++x)
+            for (Channel channel : source.channels()) {
+                const int c = at(row, destination, x, channel);
+                if (x == last)
+                    destination.set(x, y, channel, blurred(c, c, c));
+                else if (x == 0)
+                    destination.set(x, y, channel, blurred(c, c, at(row, destination, 1, channel)));
+                else
+                    destination.set(
+                        x, y, channel,
+                        blurred(c, at(row, destination, x - 1, channel), at(row, destination, x + 1, channel)));
+            }
+    }
+}
+
+FilterCheck blur_of(double radius) {
+    return {
+        [=](const Image &source, const Value &dest) { return source.call("BoxBlurFractionalFilter", dest, radius); },
+        [=](const PlainImage &source, const PlainImage &destination) { fractional_blur(source, destination, radius); },
+        false, true};
+}
+
+Image random_image(int32_t width, int32_t height, int32_t format, uint32_t seed = 1) {
+    return *make_image(Storage::memory, width, height, format, seed);
+}
+
+Bytes blurred_row(const Bytes &values, double radius) {
+    return row_of(Image(gray_row(values).call("BoxBlurFractionalFilter", nullptr, radius)));
+}
+
+Bytes blurred_column(const Bytes &values, double radius) {
+    return column_of(Image(gray_column(values).call("BoxBlurFractionalFilter", nullptr, radius)));
+}
+
+TEST(BoxBlurFractionalFilter, HalfAPixelEverywhere) {
+    check_filter(blur_of(0.5));
+}
+
+TEST(BoxBlurFractionalFilter, AFractionThatIsNoBinaryOneEverywhere) {
+    check_filter(blur_of(4.3));
+}
+
+TEST(BoxBlurFractionalFilter, HalfAPixelSpreadsARowButNotToItsEnd) {
+    EXPECT_EQ(blurred_row({0, 255, 0}, 0.5), (Bytes{63, 127, 0}));
+}
+
+TEST(BoxBlurFractionalFilter, TheLastColumnIgnoresItsNeighbourTheFirstDoesNot) {
+    EXPECT_EQ(blurred_row({200, 0, 0, 0, 200}, 0.5), (Bytes{150, 50, 0, 50, 200}));
+}
+
+TEST(BoxBlurFractionalFilter, TheFirstRowIgnoresItsNeighbourTheLastDoesNot) {
+    EXPECT_EQ(blurred_column({200, 0, 0, 0, 200}, 0.5), (Bytes{200, 50, 0, 50, 150}));
+    EXPECT_EQ(blurred_column({0, 255, 0}, 0.5), (Bytes{0, 127, 63}));
+}
+
+TEST(BoxBlurFractionalFilter, OneRowFollowsTheFirstAndOneColumnTheLast) {
+    EXPECT_EQ(blurred_row({200}, 0.5), (Bytes{200}));
+    EXPECT_EQ(blurred_row({200, 100}, 0.5), (Bytes{175, 100}));
+    EXPECT_EQ(blurred_column({200, 100}, 0.5), (Bytes{200, 125}));
+}
+
+TEST(BoxBlurFractionalFilter, AWholeNumberCopiesTheChannels) {
+    for (const Layout &of : layouts()) {
+        const Image source = random_image(13, 9, of.code, 7);
+        const Bytes copied = storage_of(Image(source.call("BoxBlurFilter", nullptr, 0.0)));
+        for (double radius : {0.0, 1.0, 3.0, 1e9, 1e300}) {
+            const Image copy(source.call("BoxBlurFractionalFilter", nullptr, radius));
+            EXPECT_FALSE(copy.same(source));
+            EXPECT_EQ(storage_of(copy), copied) << of.name << ", radius " << radius;
+        }
+    }
+}
+
+TEST(BoxBlurFractionalFilter, OnlyTheFractionActs) {
+    const Image source = random_image(13, 9, 2, 7);
+    const Bytes quarter = storage_of(Image(source.call("BoxBlurFractionalFilter", nullptr, 0.25)));
+    for (double radius : {2.25, 1000000.25})
+        EXPECT_EQ(storage_of(Image(source.call("BoxBlurFractionalFilter", nullptr, radius))), quarter) << radius;
+    EXPECT_NE(storage_of(Image(source.call("BoxBlurFractionalFilter", nullptr, 0.75))), quarter);
+    for (double radius : {0.3, 2.3, 0.999999, 1e-9})
+        check_one(blur_of(radius), source, Object(), "radius " + std::to_string(radius));
+}
+
+TEST(BoxBlurFractionalFilter, ANegativeOrNotFiniteRadiusCountsAsNone) {
+    const Image source = random_image(9, 6, 2, 3);
+    const Bytes copied = storage_of(Image(source.call("BoxBlurFractionalFilter", nullptr, 0.0)));
+    for (double radius : {-0.5, -2.3, -1e300, infinity, -infinity, std::numeric_limits<double>::quiet_NaN()})
+        EXPECT_EQ(storage_of(Image(source.call("BoxBlurFractionalFilter", nullptr, radius))), copied) << radius;
+}
+
+TEST(BoxBlurFractionalFilter, InPlaceGivesTheSameAsIntoANewImage) {
+    for (const Layout &of : layouts()) {
+        const Image source = random_image(13, 9, of.code, 7), same(13, 9, of.code);
+        fill_storage(same, storage_of(source));
+        const Image made(source.call("BoxBlurFractionalFilter", nullptr, 0.4));
+        same.call("BoxBlurFractionalFilter", same, 0.4);
+        for (int32_t y = 0; y < 9; ++y)
+            for (int32_t x = 0; x < 13; ++x)
+                for (Channel channel : every_channel)
+                    if (const int32_t offset = of.offset(channel); offset >= 0) {
+                        const auto at = static_cast<size_t>(x * of.pixel_size + offset);
+                        ASSERT_EQ(same.row(y)[at], made.row(y)[at]) << of.name << ' ' << x << ' ' << y;
+                    }
+    }
+}
+
+TEST(BoxBlurFractionalFilter, TheRowBuffersHoldTheLongerRow) {
+    for (auto [from, to] : {std::pair(2, 1), std::pair(1, 2), std::pair(7, 6), std::pair(12, 11), std::pair(11, 12)}) {
+        for (int32_t width : {21, 63, 64, 65}) {
+            const Image source = random_image(width, 4, from, 3);
+            check_one(blur_of(0.5), source, random_image(width, 4, to, 4), "to another pixel size");
+            check_one(blur_of(0.5), source, random_image(width / 3, 4, to, 4), "to a third of the width");
+            check_one(blur_of(0.5), source, random_image(width * 3, 4, to, 4), "to three times the width");
+        }
+    }
+}
+
+TEST(BoxBlurFractionalFilter, RowsThatOverlapKeepTheStatedOrder) {
+    // 10 pixels of 3 bytes in rows 17 bytes apart: each row ends in the next one.
+    for (bool in_place : {false, true}) {
+        Bytes bytes = random_bytes(17 * 6 + 64, 9);
+        const Bytes before = bytes;
+        const Image image(Object::make("PictureKZB", block_at(bytes.data()), 10, 6, 1, 17));
+        const Image other = random_image(10, 6, 1, 4);
+        Snapshots snapshots;
+        PlainImage expected = snapshots.of(image);
+        expected.storage = std::make_shared<Bytes>(before);
+        fractional_blur(in_place ? expected : snapshots.of(other), expected, 0.5);
+        (in_place ? image : other).call("BoxBlurFractionalFilter", image, 0.5);
+        EXPECT_EQ(bytes, *expected.storage) << in_place;
+        EXPECT_NE(bytes, before);
+    }
+}
+
+TEST(BoxBlurFractionalFilter, ADestinationWithoutTheChannelsKeepsTheLastOneWritten) {
+    for (auto [from, to] : {std::pair(2, 18), std::pair(4, 21), std::pair(9, 20), std::pair(6, 16)})
+        check_one(blur_of(0.5), random_image(17, 9, from, 3), random_image(17, 9, to, 4), "to a single channel");
+}
+
+TEST(BoxBlurFractionalFilter, GivesNilForAnImageThatIsNotUsable) {
+    const Image invalid(3, 3, 99), flat(3, 0, 1), source(3, 3, 1), closed(3, 3, 1);
+    closed.call("Close");
+    EXPECT_TRUE(invalid.call("BoxBlurFractionalFilter", nullptr, 0.5).is_nil());
+    EXPECT_TRUE(flat.call("BoxBlurFractionalFilter", nullptr, 0.5).is_nil());
+    EXPECT_TRUE(closed.call("BoxBlurFractionalFilter", nullptr, 0.5).is_nil());
+    EXPECT_TRUE(source.call("BoxBlurFractionalFilter", invalid, 0.5).is_nil());
+    EXPECT_TRUE(source.call("BoxBlurFractionalFilter", flat, 0.5).is_nil());
+    EXPECT_TRUE(source.call("BoxBlurFractionalFilter", closed, 0.5).is_nil());
+}
+
+TEST(BoxBlurFractionalFilter, ALayoutNeitherGrayNorColourLeavesTheDestinationAlone) {
+    const Image source(3, 2, 14), destination = random_image(3, 2, 2, 5);
+    const Bytes before = storage_of(destination);
+    EXPECT_TRUE(destination.same(Object(source.call("BoxBlurFractionalFilter", destination, 0.5))));
+    EXPECT_EQ(storage_of(destination), before);
+}
+
+} // namespace
+} // namespace kzb::test

@@ -1,0 +1,173 @@
+// OilFilter.
+
+#include "fixtures/filter_check.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace kzb::test {
+namespace {
+
+// The mean of the fullest bin of values; of several, the lowest.
+uint8_t fullest_mean(const std::vector<uint8_t> &values, int32_t levels) {
+    std::vector<int64_t> counts(static_cast<size_t>(levels)), sums(counts.size());
+    for (uint8_t value : values) {
+        const auto bin = static_cast<size_t>(levels * value / 256);
+        ++counts[bin];
+        sums[bin] += value;
+    }
+    size_t best = 0;
+    for (size_t bin = 1; bin < counts.size(); ++bin)
+        if (counts[bin] > counts[best]) best = bin;
+    return static_cast<uint8_t>(sums[best] / counts[best]);
+}
+
+// Of each pixel all channels are looked at before any is written.
+Reference oil(int32_t levels, int64_t range) {
+    return [=](const PlainImage &source, const PlainImage &destination) {
+        const auto channels = source.channels();
+        for (int64_t y = 0; y < source.height; ++y) {
+            for (int64_t x = 0; x < source.width; ++x) {
+                std::vector<uint8_t> results;
+                for (Channel channel : channels) {
+                    std::vector<uint8_t> values;
+                    for (int64_t v = std::max<int64_t>(y - range, 0); v <= std::min(y + range, source.height - 1L); ++v)
+                        for (int64_t u = std::max<int64_t>(x - range, 0); u <= std::min(x + range, source.width - 1L);
+                             ++u)
+                            values.push_back(source.get(u, v, channel));
+                    results.push_back(fullest_mean(values, std::min(levels, 256)));
+                }
+                for (size_t i = 0; i < channels.size(); ++i) destination.set(x, y, channels[i], results[i]);
+            }
+        }
+    };
+}
+
+FilterCheck check_of(int32_t levels, int32_t range) {
+    return {[=](const Image &source, const Value &dest) { return source.call("OilFilter", dest, levels, range); },
+            oil(levels, range), false, true};
+}
+
+// The first bytes of a gray image's rows, one row after the other.
+Bytes pixels_of(const Image &image) {
+    Bytes all;
+    for (int32_t y = 0; y < image.height(); ++y) {
+        const Bytes row = image.row(y);
+        all.insert(all.end(), row.begin(), row.begin() + image.width());
+    }
+    return all;
+}
+
+Image gray_row(const Bytes &values) {
+    const Image image(static_cast<int32_t>(values.size()), 1, 11);
+    image.assign("Row", block_of(values), 0);
+    return image;
+}
+
+TEST(OilFilter, TakesTheFullestBinOfEveryChannel) {
+    check_filter(check_of(3, 1));
+    check_filter(check_of(20, 2));
+}
+
+TEST(OilFilter, RangeZeroCopies) {
+    const Image source = *make_image(Storage::memory, 13, 9, 11, 1);
+    EXPECT_EQ(pixels_of(Image(source.call("OilFilter", nullptr, 5, 0))), pixels_of(source));
+}
+
+TEST(OilFilter, EveryRangeAroundTheImagesSize) {
+    for (int32_t range : {0, 1, 2, 5, 6, 7, 8, 9, 20, 21, 22, 23, 40}) {
+        for (int32_t format : {2, 6, 11, 12}) {
+            for (int32_t levels : {1, 4, 37, 256}) {
+                const Image source = *make_image(Storage::memory, 22, 8, format, 3);
+                check_one(check_of(levels, range), source, Object(), "range " + std::to_string(range));
+                check_one(check_of(levels, range), source, source, "in place, range " + std::to_string(range));
+            }
+        }
+    }
+}
+
+TEST(OilFilter, AHugeRangeIsTheWholeImage) {
+    for (int32_t range : {1000, 1 << 30, INT32_MAX}) {
+        const Image source = *make_image(Storage::memory, 11, 7, 1, 9);
+        const FilterCheck check = {
+            [=](const Image &image, const Value &dest) { return image.call("OilFilter", dest, 16, range); },
+            oil(16, 11)};
+        check_one(check, source, Object(), "apart");
+        check_one(check, source, source, "in place");
+        const Image file = *make_image(Storage::file, 11, 7, 1, 9);
+        check_one(check, file, file, "a file in place");
+    }
+}
+
+TEST(OilFilter, NeighbourhoodsOfMillionsOfPixels) {
+    // More of them, and larger sums, than half of 32 bits hold.
+    const int32_t side = 2900;
+    const Image source(side, side, 11);
+    source.call("FillRect", 255);
+    source.call("FillRect", 0, 0, side, 1000, 254);
+    EXPECT_GT(int64_t{side} * side, INT32_MAX / 256);
+    const Bytes out = pixels_of(Image(source.call("OilFilter", nullptr, 4, INT32_MAX)));
+    // 1,000 rows of 254 and 1,900 of 255, all in the highest bin
+    EXPECT_EQ(std::count(out.begin(), out.end(), 254), int64_t{side} * side);
+}
+
+TEST(OilFilter, MoreThan256LevelsAre256) {
+    for (int32_t levels : {257, 300, INT32_MAX}) {
+        const Image source = *make_image(Storage::memory, 23, 11, 2, 5);
+        check_one(check_of(levels, 2), source, Object(), "many levels");
+        EXPECT_EQ(storage_of(Image(source.call("OilFilter", nullptr, levels, 3))),
+                  storage_of(Image(source.call("OilFilter", nullptr, 256, 3))));
+    }
+}
+
+TEST(OilFilter, OfEquallyFullBinsTheLowestWins) {
+    // Bins of 64: two each of the lowest, the second and the third.
+    const Image source = gray_row({130, 1, 131, 70, 71, 3});
+    EXPECT_EQ(pixels_of(Image(source.call("OilFilter", nullptr, 4, 5))), Bytes(6, 2));
+    EXPECT_EQ(pixels_of(Image(gray_row({200, 70, 201, 71}).call("OilFilter", nullptr, 4, 3))), Bytes(4, 70));
+}
+
+TEST(OilFilter, OneLevelIsTheMeanOfTheNeighbourhood) {
+    const Image source = gray_row({0, 255, 10, 20, 200});
+    EXPECT_EQ(pixels_of(Image(source.call("OilFilter", nullptr, 1, 1))),
+              (Bytes{255 / 2, 265 / 3, 285 / 3, 230 / 3, 220 / 2}));
+}
+
+TEST(OilFilter, OntoItselfItCountsWhatItHasWritten) {
+    const Image image = gray_row({10, 20, 30, 40});
+    image.call("OilFilter", image, 1, 1);
+    EXPECT_EQ(pixels_of(image), (Bytes{15, (15 + 20 + 30) / 3, (21 + 30 + 40) / 3, (30 + 40) / 2}));
+}
+
+TEST(OilFilter, LevelsBelow1OrANegativeRangeLeaveTheDestinationAlone) {
+    const Image source = *make_image(Storage::memory, 9, 5, 2, 1);
+    const Image dest = *make_image(Storage::memory, 9, 5, 2, 2);
+    const Bytes before = storage_of(dest);
+    for (int32_t levels : {0, -1, INT32_MIN})
+        EXPECT_TRUE(dest.same(Object(source.call("OilFilter", dest, levels, 1)))) << levels;
+    for (int32_t range : {-1, INT32_MIN})
+        EXPECT_TRUE(dest.same(Object(source.call("OilFilter", dest, 8, range)))) << range;
+    EXPECT_EQ(storage_of(dest), before);
+}
+
+TEST(OilFilter, GivesNilForAnImageThatIsNotUsable) {
+    const Image invalid(3, 3, 99), low(3, 0, 1), good(3, 3, 1), closed(3, 3, 1);
+    closed.call("Close");
+    EXPECT_TRUE(invalid.call("OilFilter", nullptr, 8, 1).is_nil());
+    EXPECT_TRUE(low.call("OilFilter", nullptr, 8, 1).is_nil());
+    EXPECT_TRUE(good.call("OilFilter", closed, 8, 1).is_nil());
+    EXPECT_TRUE(good.call("OilFilter", closed, 0, -1).is_nil());
+    EXPECT_TRUE(Image(Image(0, 3, 1).call("OilFilter", nullptr, 8, 1)).valid());
+}
+
+TEST(OilFilter, LeavesTheDestinationOfANeitherGrayNorColourImageAlone) {
+    const Image source(3, 2, 14);
+    const Image dest = *make_image(Storage::memory, 3, 2, 2, 5);
+    const Bytes before = storage_of(dest);
+    EXPECT_TRUE(dest.same(Object(source.call("OilFilter", dest, 8, 1))));
+    EXPECT_EQ(storage_of(dest), before);
+}
+
+} // namespace
+} // namespace kzb::test

@@ -1,0 +1,92 @@
+// The scalings when memory is short: the module asks this program for it.
+
+#include "fixtures/storages.h"
+#include "geometry/plain_scale.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace {
+int requests = 0; // made so far
+int denied = 0;   // the one that fails, counted from 1
+} // namespace
+
+extern "C" [[gnu::visibility("default")]] void *__wrap_calloc(size_t count, size_t size) {
+    return ++requests == denied ? nullptr : std::calloc(count, size);
+}
+
+namespace kzb::test {
+namespace {
+
+constexpr int32_t lanczos3 = 3;
+
+// The requests of a scaling through a given intermediate image, in their order.
+enum Request { column_lists = 1, column_weights, source_row, row_lists, row_weights, sums, bytes, all = bytes };
+
+class ShortOfMemory : public testing::Test {
+protected:
+    void TearDown() override { denied = 0; }
+
+    // Scales with one request denied.
+    bool scale(const Value &through, int denied_request) {
+        requests = 0;
+        denied = denied_request;
+        const bool done = image.call("Scale", source, through, lanczos3, 5, 4).boolean();
+        denied = 0;
+        return done;
+    }
+
+    const Image source = *make_image(Storage::memory, 7, 9, 2, 1);
+    const Image image = *make_image(Storage::memory, 6, 6, 2, 2);
+    const Image temp{5, 9, scaling_format};
+};
+
+TEST_F(ShortOfMemory, AScalingAsksForListsAndRowsInEachPass) {
+    ASSERT_TRUE(scale(temp, 0));
+    EXPECT_EQ(requests, all);
+}
+
+TEST_F(ShortOfMemory, WithoutAnIntermediateImageNothingIsDone) {
+    const Bytes before = storage_of(image);
+    EXPECT_FALSE(scale(nullptr, 1));
+    EXPECT_EQ(storage_of(image), before);
+    EXPECT_EQ(requests, 1);
+}
+
+TEST_F(ShortOfMemory, ListsThatCannotBeHadAreEmptyAndGiveZero) {
+    for (Request request : {column_lists, column_weights, row_lists, row_weights}) {
+        fill_storage(image, random_bytes(storage_of(image).size(), 2));
+        Snapshots snapshots;
+        const PlainImage expected = snapshots.of(image);
+        for (int32_t y = 0; y < 4; ++y)
+            for (int32_t x = 0; x < 5; ++x)
+                for (Channel channel : expected.channels()) expected.set(x, y, channel, 0);
+        EXPECT_TRUE(scale(temp, request));
+        EXPECT_EQ(difference(image, expected), "") << request;
+    }
+}
+
+TEST_F(ShortOfMemory, WithoutRowsToWorkInTheResultIsTheSame) {
+    ASSERT_TRUE(scale(temp, 0));
+    const Bytes expected = storage_of(image), expected_temp = storage_of(temp);
+    for (Request request : {source_row, sums, bytes}) {
+        image.call("FillRect", 0, 0, 5, 4, 77);
+        temp.call("ClearRect");
+        EXPECT_TRUE(scale(temp, request));
+        EXPECT_EQ(storage_of(temp), expected_temp) << request;
+        for (int32_t y = 0; y < 4; ++y) {
+            const Bytes row = image.row(y);
+            EXPECT_TRUE(std::equal(row.begin(), row.begin() + 20, expected.begin() + y * 64)) << request;
+        }
+    }
+}
+
+TEST_F(ShortOfMemory, FastScalingNeedsNone) {
+    requests = 0;
+    EXPECT_TRUE(image.call("ScaleFast", source, 5, 4).boolean());
+    EXPECT_EQ(requests, 0);
+}
+
+} // namespace
+} // namespace kzb::test
