@@ -11,8 +11,6 @@ struct Pieces {
     size_t bytes = 1;
     ChannelOffsets from = {}; // in the source
     ChannelOffsets to = {};   // in the destination
-
-    size_t bytes_per_pixel() const { return count * bytes; }
 };
 
 // One piece with all channels where both images have them side by side and in the same order, else a piece for each

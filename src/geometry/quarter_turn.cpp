@@ -132,28 +132,17 @@ void half_turn_plainly(ImageRecord &source, ImageRecord &destination, const Chan
         for (int64_t x = 0; x < width; ++x) mover.move(width - 1 - x, y, x, height - 1 - y);
 }
 
-void half_turn_by_blocks(ImageRecord &source, ImageRecord &destination, const Channels &channels) {
+void half_turn_by_rows(ImageRecord &source, ImageRecord &destination, const Channels &channels) {
+    if (source.Width < 1) return;
     const Pieces pieces = pieces_of(source, destination, channels);
     const int64_t last_pixel = (int64_t{source.Width} - 1) * source.PixelSize;
-    const int32_t height = source.Width < 1 ? 0 : source.Height;
-    for (int32_t row = 0; row < height;) {
-        const RowBand written = rows_from(destination, row);
-        if (written.first == nullptr) return;
-        const int32_t end = std::min(row + written.count, height);
-        for (int32_t y = height - end; y < height - row;) {
-            const RowBand read = rows_from(source, y);
-            if (read.first == nullptr) return;
-            const int32_t count = std::min(read.count, height - row - y);
-            for (int32_t i = 0; i < count; ++i) {
-                const uint8_t *from = read.first + int64_t{i} * source.RowSize + last_pixel;
-                uint8_t *to = written.first + int64_t{height - 1 - y - i - row} * destination.RowSize;
-                for (size_t piece = 0; piece < pieces.count; ++piece)
-                    kernels::move_runs(to + pieces.to[piece], destination.PixelSize, from + pieces.from[piece],
-                                       -source.PixelSize, static_cast<size_t>(source.Width), pieces.bytes);
-            }
-            y += count;
-        }
-        row = end;
+    for (int32_t y = 0; y < source.Height; ++y) {
+        const uint8_t *from = source.row_accessor(source, y);
+        uint8_t *to = row_upwards(destination, source.Height - 1 - y);
+        if (from == nullptr || to == nullptr) return;
+        for (size_t i = 0; i < pieces.count; ++i)
+            kernels::move_runs(to + pieces.to[i], destination.PixelSize, from + last_pixel + pieces.from[i],
+                               -source.PixelSize, static_cast<size_t>(source.Width), pieces.bytes);
     }
 }
 
@@ -166,7 +155,7 @@ ImageObject rotate_180(ImageObject image, ImageObject dest) {
     ImageRecord &destination = passage->destination;
     const Channels channels = channels_of(source);
     if (any_order_serves(source, destination, channels, source.Width, source.Height))
-        half_turn_by_blocks(source, destination, channels);
+        half_turn_by_rows(source, destination, channels);
     else
         half_turn_plainly(source, destination, channels);
     return passage->result.release();

@@ -1,6 +1,7 @@
 #include "geometry/rotate.h"
 
 #include "geometry/quarter_turn.h"
+#include "geometry/sine.h"
 #include "geometry/skew.h"
 #include "image/factory.h"
 #include "image/paced_image.h"
@@ -40,9 +41,9 @@ public:
         : image_(image), channels_(channels), background_(background), format_(image.ImageFormat), width_(image.Width),
           height_(image.Height) {
         const double radians = std::numbers::pi * angle / 180;
-        sine_ = std::sin(radians);
-        cosine_ = std::cos(radians);
-        tangent_ = std::tan(radians / 2);
+        sine_ = sine(radians);
+        cosine_ = cosine(radians);
+        tangent_ = tangent(radians / 2);
     }
 
     ImageReference run();

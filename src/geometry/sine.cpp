@@ -47,6 +47,12 @@ Double2 quotient(Double2 a, double b) {
     return ordered_sum(high, ((a.high - back.high) - back.low + a.low) / b);
 }
 
+Double2 quotient(Double2 a, Double2 b) {
+    const double high = a.high / b.high;
+    const Double2 back = product({high, 0.0}, b);
+    return ordered_sum(high, ((a.high - back.high) - back.low + a.low) / b.high);
+}
+
 Double2 one_minus(Double2 a) {
     const Double2 upper = ordered_sum(1.0, -a.high);
     return ordered_sum(upper.high, upper.low - a.low);
@@ -67,17 +73,24 @@ Double2 alternating_series(Double2 square, int n) {
 // π/2 in three parts; the first two have 40 bits, so that their products with a count of turns are exact.
 constexpr double half_pi[] = {0x1.921fb54442p+0, 0x1.a308d31318p-41, 0x1.8a2e03707344ap-81};
 
-} // namespace
-
-double sine(double angle) {
+// The sine of an angle and so many quarter turns.
+Double2 sine_of(double angle, int quarter_turns) {
     const double turns = std::nearbyint(angle / half_pi[0]);
     const Double2 most = sum(angle - turns * half_pi[0], -turns * half_pi[1]);
     const Double2 rest = ordered_sum(most.high, most.low - turns * half_pi[2]);
     const Double2 square = product(rest, rest);
-    const int quarter = static_cast<int>(turns) & 3;
+    const int quarter = (static_cast<int>(turns) + quarter_turns) & 3;
     const Double2 magnitude =
         quarter % 2 == 0 ? product(rest, alternating_series(square, 2)) : alternating_series(square, 1);
-    return quarter < 2 ? magnitude.high : -magnitude.high;
+    return quarter < 2 ? magnitude : Double2{-magnitude.high, -magnitude.low};
 }
+
+} // namespace
+
+double sine(double angle) { return sine_of(angle, 0).high; }
+
+double cosine(double angle) { return sine_of(angle, 1).high; }
+
+double tangent(double angle) { return quotient(sine_of(angle, 0), sine_of(angle, 1)).high; }
 
 } // namespace kzb

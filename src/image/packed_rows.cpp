@@ -10,11 +10,11 @@ namespace kzb {
 
 Channels in_byte_order(const Channels &channels, const ImageRecord &image) {
     std::array<Channel, 4> sorted = {};
-    for (Channel channel : channels) {
-        const auto before = std::count_if(channels.begin(), channels.end(), [&](Channel other) {
-            return offset_of(image, other) < offset_of(image, channel);
-        });
-        sorted[static_cast<size_t>(before)] = channel;
+    for (size_t i = 0; i < channels.size(); ++i) {
+        size_t place = i;
+        for (; place > 0 && offset_of(image, sorted[place - 1]) > offset_of(image, channels[i]); --place)
+            sorted[place] = sorted[place - 1];
+        sorted[place] = channels[i];
     }
     Channels ordered;
     for (size_t i = 0; i < channels.size(); ++i) ordered.add(sorted[i]);

@@ -6,8 +6,8 @@
 
 namespace kzb {
 
-// The channels, which lie at bytes of their own, in the order of these bytes: rows of dense layouts are then packed as
-// they are.
+// The channels in the order of their bytes: rows of dense layouts are then packed as they are. Channels on the same byte
+// stay in the list's order.
 Channels in_byte_order(const Channels &channels, const ImageRecord &image);
 
 // Whether the listed channels of each row's `width` pixels end before the next row starts; the caller of the

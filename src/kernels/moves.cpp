@@ -35,8 +35,7 @@ void move(uint8_t *target, ptrdiff_t target_step, const uint8_t *source, ptrdiff
             std::memcpy(target + at, source - at, length);
         }
     } else {
-        for (; count != 0; --count, target += target_step, source += source_step)
-            std::memcpy(target, source, length);
+        for (; count != 0; --count, target += target_step, source += source_step) std::memcpy(target, source, length);
     }
 }
 
