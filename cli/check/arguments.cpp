@@ -33,6 +33,12 @@ bool is_plain(const kzb_declaration &d) {
     });
 }
 
+const ClassDefinition *class_named(const Subject &subject, const char *name) {
+    for (size_t i = 0; const ClassDefinition *definition = kzb_module_class(subject.module, i); ++i)
+        if (same_name(definition->name, name)) return definition;
+    return nullptr;
+}
+
 uint64_t hash(const std::string &name) { // FNV-1a: the same on every machine
     uint64_t h = UINT64_C(0xCBF29CE484222325);
     for (char c : name) h = (h ^ static_cast<unsigned char>(c)) * UINT64_C(0x100000001B3);
@@ -104,6 +110,8 @@ kzb_value Arguments::object(const char *class_name, Style style) {
         value = kept(KZB_OBJECT, kzb_picture_new(9, 7, 32));
     else if (same_name(class_name, "FolderItem"))
         value = kept(KZB_OBJECT, kzb_folder_item_new((subject_.scratch + "/file").c_str()));
+    else if (const ClassDefinition *definition = style == Style::wild ? nullptr : class_named(subject_, class_name))
+        value = kept(KZB_OBJECT, sound_object(subject_, *definition, random_));
     else
         value = kept(KZB_OBJECT, fresh_object(class_name));
     kept_.push_back(value);

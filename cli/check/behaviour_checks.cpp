@@ -7,12 +7,15 @@ namespace kzb::cli::check {
 
 namespace {
 
-void run_all(const Operations &operations, const char *what) {
-    perform(operations, {.complaints = true});
-    remark(what + std::string(": ") + std::to_string(operations.size()));
+// How often random arguments are drawn for each method.
+constexpr int rounds = 8;
+
+void run_all(const Operations &operations, const char *what, size_t calls_each = 1) {
+    perform(operations, {.complaints = true, .twice = false});
+    remark(what + std::string(": ") + std::to_string(calls_each * operations.size()));
 }
 
-void check_accepted(const Subject &subject) {
+void check_accepted(Subject &subject) {
     kzb_module *module = load_module(subject);
     if (!module) return;
     step("unloading the module");
@@ -20,54 +23,47 @@ void check_accepted(const Subject &subject) {
     remark("the module is loaded and unloaded");
 }
 
-void check_fresh_objects(const Subject &subject) {
-    if (const kzb_module *module = load_module(subject))
-        run_all(object_operations(module), "classes whose objects are made and released");
+void check_fresh_objects(Subject &subject) {
+    if (load_module(subject)) run_all(object_operations(subject), "classes whose objects are made and released");
 }
 
-void check_property_reads(const Subject &subject) {
-    if (const kzb_module *module = load_module(subject)) run_all(reading_operations(module), "properties read");
+void check_property_reads(Subject &subject) {
+    if (load_module(subject)) run_all(reading_operations(subject), "properties read");
 }
 
-void check_property_writes(const Subject &subject) {
-    if (const kzb_module *module = load_module(subject))
-        run_all(writing_operations(subject, module), "properties assigned to");
+void check_property_writes(Subject &subject) {
+    if (load_module(subject)) run_all(writing_operations(subject), "properties assigned to");
 }
 
-void check_nil_arguments(const Subject &subject) {
-    if (const kzb_module *module = load_module(subject))
-        run_all(nil_call_operations(subject, module), "methods called");
+void check_nil_arguments(Subject &subject) {
+    if (load_module(subject)) run_all(nil_call_operations(subject), "methods called");
 }
 
-void check_random_arguments(const Subject &subject) {
-    if (const kzb_module *module = load_module(subject))
-        run_all(random_call_operations(subject, module), "calls with random arguments");
+void check_random_arguments(Subject &subject) {
+    if (load_module(subject)) run_all(random_call_operations(subject, rounds), "calls with random arguments", rounds);
 }
 
-void check_constructors(const Subject &subject) {
-    if (const kzb_module *module = load_module(subject))
-        run_all(constructor_operations(subject, module), "calls of constructors");
+void check_constructors(Subject &subject) {
+    if (load_module(subject)) run_all(constructor_operations(subject), "calls of constructors");
 }
 
-void check_shared_methods(const Subject &subject) {
-    if (const kzb_module *module = load_module(subject))
-        run_all(shared_call_operations(subject, module), "shared methods called");
+void check_shared_methods(Subject &subject) {
+    if (load_module(subject)) run_all(shared_call_operations(subject), "shared methods called");
 }
 
-void check_reference_balance(const Subject &subject) {
-    const kzb_module *module = load_module(subject);
-    if (!module) return;
-    const Operations all = whole_tour(subject, module);
-    perform(all, {.balance = true});
+void check_reference_balance(Subject &subject) {
+    if (!load_module(subject)) return;
+    const Operations all = whole_tour(subject);
+    perform(all, {.balance = true, .crashes = false});
     remark("operations that keep the balance: " + std::to_string(all.size()));
 }
 
-void check_over_release(const Subject &subject) {
+void check_over_release(Subject &subject) {
     kzb_module *module = load_module(subject);
     if (!module) return;
-    Operations all = whole_tour(subject, module);
+    Operations all = whole_tour(subject);
     all.push_back({"unloading the module", [module] { kzb_module_unload(module); }});
-    perform(all, {.misuse = true, .twice = false});
+    perform(all, {.misuse = true, .crashes = false, .twice = false});
     remark("operations that use living references alone: " + std::to_string(all.size()));
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <picturekzb/runtime.h>
 #include <span>
 #include <string>
 
@@ -12,13 +13,14 @@ struct Subject {
     std::string path;    // absolute
     std::string scratch; // an empty folder for files; its path is absolute
     uint64_t seed;
+    kzb_module *module = nullptr; // in the embedded host, once a check has loaded it there
 };
 
 struct Check {
     const char *name;
     const char *description;
     const char *after; // a check without whose success this one makes no sense; nil: none
-    void (*run)(const Subject &subject);
+    void (*run)(Subject &subject);
 };
 
 // By what they look at: the file, REALPluginMain, the records, objects and calls, calls while the host fails.

@@ -113,7 +113,7 @@ private:
 Result run_one(const Check &check, const std::string &path, const Request &request) {
     using Clock = std::chrono::steady_clock;
     const ScratchFolder scratch;
-    const Subject subject = {path, scratch.path(), request.seed};
+    Subject subject = {path, scratch.path(), request.seed};
     const auto begin = Clock::now();
     const Ending ending = run_limited([&] { check.run(subject); }, request.time_limit);
     const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);

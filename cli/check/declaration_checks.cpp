@@ -13,7 +13,7 @@ std::string place(const std::string &table, size_t index) {
     return table + " " + std::to_string(index);
 }
 
-void check_declarations(const Subject &subject) {
+void check_declarations(Subject &subject) {
     size_t parsed = 0;
     const StartedModule module = start_module(subject);
     for (const Declarations &table : declarations_of(module))
@@ -36,7 +36,7 @@ void check_declarations(const Subject &subject) {
     remark("declarations that can be read: " + std::to_string(parsed));
 }
 
-void check_types(const Subject &subject) {
+void check_types(Subject &subject) {
     const StartedModule module = start_module(subject);
     const auto check = [&](const std::string &where, const char *type) {
         if (!is_known_type(module, type)) failure(where + ": there is no type " + type);
@@ -69,7 +69,7 @@ bool is_constant(const std::string &text) {
            d.parameter_count == 1;
 }
 
-void check_constants(const Subject &subject) {
+void check_constants(Subject &subject) {
     size_t read = 0;
     for (const NamedClass &type : classes_of(start_module(subject))) {
         const auto rows = records(type.definition->constants, type.definition->constant_count);

@@ -16,7 +16,7 @@ std::string listed(const std::vector<std::string> &names) {
     return text;
 }
 
-void check_library(const Subject &subject) {
+void check_library(Subject &subject) {
     const auto file = read_elf(subject.path);
     if (!file) return failure("the file is no library");
     if (!file->for_this_machine) return failure("the library is for another machine than this one");
@@ -24,7 +24,7 @@ void check_library(const Subject &subject) {
     if (open_library(subject.path)) remark("the library can be loaded");
 }
 
-void check_entry_point(const Subject &subject) {
+void check_entry_point(Subject &subject) {
     void *library = open_library(subject.path);
     if (!library) return;
     if (dlsym(library, "REALPluginMain"))
@@ -33,7 +33,7 @@ void check_entry_point(const Subject &subject) {
         failure("the library does not export REALPluginMain");
 }
 
-void check_exports(const Subject &subject) {
+void check_exports(Subject &subject) {
     const auto file = read_elf(subject.path);
     if (!file || !file->has_symbols) return warning("the file has no table of symbols, so its exports are unknown");
     std::vector<std::string> others;
@@ -49,7 +49,7 @@ bool is_system_library(const std::string &name) {
     return false;
 }
 
-void check_needed_libraries(const Subject &subject) {
+void check_needed_libraries(Subject &subject) {
     const auto file = read_elf(subject.path);
     if (!file || !file->for_this_machine) return failure("the file is no library of this machine");
     step("loading the needed libraries");

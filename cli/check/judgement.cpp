@@ -3,6 +3,7 @@
 #include "host_entries.h"
 #include "process.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace kzb::cli::check {
@@ -41,23 +42,41 @@ void run(const Operation &operation, const std::string &failing) {
     if (!failing.empty()) host_entry(failing).fails_next = false;
 }
 
+void judge_operation(const Operation &operation, const Judged &judged) {
+    step(operation.name);
+    if (judged.twice) run(operation, judged.failing);
+    const Balance before;
+    run(operation, judged.failing);
+    const std::string change = Balance().change_since(before);
+    const std::string where = judged.prefix + operation.name + ": ";
+    if (judged.balance && !change.empty()) failure(where + change);
+    for (const std::string &line : misuses)
+        if (judged.misuse) failure(where + line);
+    misuses.clear();
+    for (const std::string &text : take_complaints())
+        if (judged.complaints) failure(where + text);
+}
+
+constexpr int most_crashes = 20;
+
 } // namespace
 
 void perform(const Operations &operations, const Judged &judged) {
     kzb_on_misuse(note_misuse, nullptr);
-    for (const Operation &operation : operations) {
-        step(operation.name);
-        if (judged.twice) run(operation, judged.failing);
-        const Balance before;
-        run(operation, judged.failing);
-        const std::string change = Balance().change_since(before);
-        const std::string where = judged.prefix + operation.name + ": ";
-        if (judged.balance && !change.empty()) failure(where + change);
-        for (const std::string &line : misuses)
-            if (judged.misuse) failure(where + line);
-        misuses.clear();
-        for (const std::string &text : take_complaints())
-            if (judged.complaints) failure(where + text);
+    size_t next = 0;
+    for (int crashes = 0; next < operations.size() && crashes < most_crashes; ++crashes) {
+        const Ending ending = run_apart([&] {
+            for (size_t i = next; i < operations.size(); ++i) {
+                set_progress(i);
+                judge_operation(operations[i], judged);
+            }
+        });
+        if (ending.well()) return;
+        if (judged.crashes)
+            failure(judged.prefix + "the module " + describe(ending));
+        else
+            warning("not judged, because the module " + describe(ending));
+        next = std::max(next, progress()) + 1;
     }
 }
 

@@ -23,6 +23,7 @@ namespace {
 // Shared with the processes. A module may write into it by mistake: readers trust nothing in it.
 struct Board {
     char step[512];
+    size_t progress;
     char finished;
     size_t used;
     char findings[size_t{512} << 10]; // severity, text, NUL, and so on
@@ -126,6 +127,14 @@ std::string describe(const Ending &ending) {
 
 void step(const std::string &what) {
     std::snprintf(board().step, sizeof board().step, "%s", what.c_str());
+}
+
+void set_progress(size_t number) {
+    board().progress = number;
+}
+
+size_t progress() {
+    return board().progress;
 }
 
 void remark(const std::string &text) {

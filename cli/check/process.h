@@ -27,8 +27,11 @@ struct Finding {
 };
 
 // What is written here in a process reaches those it comes from, however the process ends. step() names what begins
-// now, for describe(). Findings of equal texts are kept once; those beyond some hundreds of kilobytes are dropped.
+// now, for describe(), and set_progress() numbers it. Findings of equal texts are kept once; those beyond some hundreds
+// of kilobytes are dropped.
 void step(const std::string &what);
+void set_progress(size_t number);
+size_t progress();
 void remark(const std::string &text);
 void warning(const std::string &text);
 void failure(const std::string &text);

@@ -10,7 +10,7 @@ namespace kzb::cli::check {
 
 namespace {
 
-void check_start_up(const Subject &subject) {
+void check_start_up(Subject &subject) {
     const StartedModule module = start_module(subject);
     if (module.classes.empty()) return failure("REALPluginMain registers no class");
     if (module.result != module.last_registration)
@@ -18,7 +18,7 @@ void check_start_up(const Subject &subject) {
     remark("REALPluginMain returns; classes registered: " + std::to_string(module.classes.size()));
 }
 
-void check_version_first(const Subject &subject) {
+void check_version_first(Subject &subject) {
     const StartedModule module = start_module(subject);
     if (module.versions.empty()) return failure("RegisterPluginVersion is never called");
     if (module.calls.front() != "RegisterPluginVersion")
@@ -31,7 +31,7 @@ void check_version_first(const Subject &subject) {
                     std::to_string(KZB_INTERFACE_VERSION));
 }
 
-void check_registered_once(const Subject &subject) {
+void check_registered_once(Subject &subject) {
     const StartedModule module = start_module(subject);
     const auto &classes = module.classes;
     for (size_t i = 0; i < classes.size(); ++i) {
@@ -46,12 +46,12 @@ void check_registered_once(const Subject &subject) {
     }
 }
 
-void check_bare_host(const Subject &subject) {
+void check_bare_host(Subject &subject) {
     for (HostEntry &entry : host_entries()) entry.missing = std::string("RegisterPluginVersion") != entry.name;
     start_module(subject);
 }
 
-void check_missing_at_start(const Subject &subject) {
+void check_missing_at_start(Subject &subject) {
     size_t tried = 0;
     for (HostEntry &entry : host_entries()) {
         if (std::string("RegisterPluginVersion") == entry.name) continue; // every host has it
@@ -70,9 +70,9 @@ constexpr Check checks[] = {
     {"version-first", "RegisterPluginVersion is the first entry point called, and is called once, with 9.", "start-up",
      check_version_first},
     {"registered-once", "No class definition is nil or registered twice.", "start-up", check_registered_once},
-    {"bare-host", "REALPluginMain returns on a host that has RegisterPluginVersion alone.", "entry-point",
+    {"bare-host", "REALPluginMain returns on a host that has RegisterPluginVersion alone.", "start-up",
      check_bare_host},
-    {"missing-at-start", "REALPluginMain returns on hosts that lack one entry point, each in turn.", "entry-point",
+    {"missing-at-start", "REALPluginMain returns on hosts that lack one entry point, each in turn.", "start-up",
      check_missing_at_start},
 };
 

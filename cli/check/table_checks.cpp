@@ -14,7 +14,7 @@ std::string place(const std::string &table, size_t index) {
     return table + " " + std::to_string(index);
 }
 
-void check_class_records(const Subject &subject) {
+void check_class_records(Subject &subject) {
     const StartedModule module = start_module(subject);
     for (const NamedClass &type : classes_of(module)) {
         const ClassDefinition &d = *type.definition;
@@ -36,7 +36,7 @@ void check_class_records(const Subject &subject) {
     }
 }
 
-void check_table_counts(const Subject &subject) {
+void check_table_counts(Subject &subject) {
     const auto check = [](const NamedClass &type, const char *table, const void *rows, kzb_word count) {
         if (count < 0) failure(type.name + ": the " + table + " count is negative (" + std::to_string(count) + ")");
         if (count > 0 && !rows)
@@ -64,7 +64,7 @@ void check_properties_for_nil(const std::string &table, std::span<const Property
     }
 }
 
-void check_nil_entries(const Subject &subject) {
+void check_nil_entries(Subject &subject) {
     const StartedModule module = start_module(subject);
     size_t looked_at = 0;
     for (const NamedClass &type : classes_of(module)) {
@@ -112,7 +112,7 @@ std::string signature(const kzb_declaration &d) {
     return text + ')';
 }
 
-void check_duplicate_names(const Subject &subject) {
+void check_duplicate_names(Subject &subject) {
     const StartedModule module = start_module(subject);
     Names class_names;
     for (const NamedClass &type : classes_of(module)) {
@@ -155,7 +155,7 @@ size_t size_in_memory(kzb_type type) {
     }
 }
 
-void check_direct_access(const Subject &subject) {
+void check_direct_access(Subject &subject) {
     size_t direct = 0;
     for (const NamedClass &type : classes_of(start_module(subject))) {
         const auto rows = records(type.definition->properties, type.definition->property_count);

@@ -36,8 +36,8 @@ private:
     kzb_value value_;
 };
 
-template <class Work> void for_each_class(const kzb_module *module, const Work &work) {
-    for (size_t i = 0; const ClassDefinition *definition = kzb_module_class(module, i); ++i) work(*definition);
+template <class Work> void for_each_class(const Subject &subject, const Work &work) {
+    for (size_t i = 0; const ClassDefinition *definition = kzb_module_class(subject.module, i); ++i) work(*definition);
 }
 
 bool is_constructor(const Declared &d) {
@@ -125,22 +125,22 @@ void call_shared(const Subject &subject, const ClassDefinition &type, const Decl
 
 } // namespace
 
-kzb_module *load_module(const Subject &subject) {
+kzb_module *load_module(Subject &subject) {
     step("loading the module");
     kzb_use_resolver(resolve_entry);
     kzb_error error = {};
-    kzb_module *module = kzb_module_load(subject.path.c_str(), &error);
-    if (!module) failure(error.message);
-    return module;
+    subject.module = kzb_module_load(subject.path.c_str(), &error);
+    if (!subject.module) failure(error.message);
+    return subject.module;
 }
 
 std::vector<std::string> take_complaints() {
     return std::exchange(complaints, {});
 }
 
-Operations object_operations(const kzb_module *module) {
+Operations object_operations(const Subject &subject) {
     Operations all;
-    for_each_class(module, [&](const ClassDefinition &type) {
+    for_each_class(subject, [&](const ClassDefinition &type) {
         all.push_back({std::string("making and releasing a ") + type.name, [&type] {
                            const Holder first(fresh_object(type.name)), second(fresh_object(type.name));
                            if (!first.object() || !second.object())
@@ -150,9 +150,9 @@ Operations object_operations(const kzb_module *module) {
     return all;
 }
 
-Operations reading_operations(const kzb_module *module) {
+Operations reading_operations(const Subject &subject) {
     Operations all;
-    for_each_class(module, [&](const ClassDefinition &type) {
+    for_each_class(subject, [&](const ClassDefinition &type) {
         for (kzb_word i = 0; i < type.property_count; ++i) {
             const PropertyDefinition &p = type.properties[i];
             if (!p.getter) continue;
@@ -168,9 +168,9 @@ Operations reading_operations(const kzb_module *module) {
     return all;
 }
 
-Operations writing_operations(const Subject &subject, const kzb_module *module) {
+Operations writing_operations(const Subject &subject) {
     Operations all;
-    for_each_class(module, [&](const ClassDefinition &type) {
+    for_each_class(subject, [&](const ClassDefinition &type) {
         for (kzb_word i = 0; i < type.property_count; ++i) {
             const PropertyDefinition &p = type.properties[i];
             if (!p.setter) continue;
@@ -193,9 +193,9 @@ Operations writing_operations(const Subject &subject, const kzb_module *module) 
     return all;
 }
 
-Operations nil_call_operations(const Subject &subject, const kzb_module *module) {
+Operations nil_call_operations(const Subject &subject) {
     Operations all;
-    for_each_class(module, [&](const ClassDefinition &type) {
+    for_each_class(subject, [&](const ClassDefinition &type) {
         for (const Declared &d : declared(type, type.methods, type.method_count)) {
             const std::string name = "calling " + d.text + " with nil and zeros";
             all.push_back({name, [&subject, &type, d, name] {
@@ -208,22 +208,26 @@ Operations nil_call_operations(const Subject &subject, const kzb_module *module)
     return all;
 }
 
-Operations random_call_operations(const Subject &subject, const kzb_module *module) {
+Operations random_call_operations(const Subject &subject, int rounds) {
     Operations all;
-    for_each_class(module, [&](const ClassDefinition &type) {
+    for_each_class(subject, [&](const ClassDefinition &type) {
         for (const Declared &d : declared(type, type.methods, type.method_count)) {
             if (is_constructor(d)) continue;
             const std::string wild = "calling " + d.text + " with random arguments on an object not constructed";
-            all.push_back({wild, [&subject, &type, d, wild] {
+            all.push_back({wild, [&subject, &type, d, wild, rounds] {
                                Random random(subject, wild);
-                               const Holder self(fresh_object(type.name));
-                               call_method(subject, d, self.object(), Style::wild, random);
+                               for (int round = 0; round < rounds; ++round) {
+                                   const Holder self(fresh_object(type.name));
+                                   call_method(subject, d, self.object(), Style::wild, random);
+                               }
                            }});
             const std::string sound = "calling " + d.text + " with small random arguments on a constructed object";
-            all.push_back({sound, [&subject, &type, d, sound] {
+            all.push_back({sound, [&subject, &type, d, sound, rounds] {
                                Random random(subject, sound);
-                               const Holder self(sound_object(subject, type, random));
-                               call_method(subject, d, self.object(), Style::sound, random);
+                               for (int round = 0; round < rounds; ++round) {
+                                   const Holder self(sound_object(subject, type, random));
+                                   call_method(subject, d, self.object(), Style::sound, random);
+                               }
                            }});
         }
     });
@@ -234,18 +238,18 @@ Operations random_call_operations(const Subject &subject, const kzb_module *modu
     return all;
 }
 
-Operations constructor_operations(const Subject &subject, const kzb_module *module) {
+Operations constructor_operations(const Subject &subject) {
     Operations all;
-    for_each_class(module, [&](const ClassDefinition &type) {
+    for_each_class(subject, [&](const ClassDefinition &type) {
         for (const Declared &d : declared(type, type.methods, type.method_count))
             if (is_constructor(d)) add_constructor(subject, type, d, all);
     });
     return all;
 }
 
-Operations shared_call_operations(const Subject &subject, const kzb_module *module) {
+Operations shared_call_operations(const Subject &subject) {
     Operations all;
-    for_each_class(module, [&](const ClassDefinition &type) {
+    for_each_class(subject, [&](const ClassDefinition &type) {
         for (const Declared &d : declared(type, type.shared_methods, type.shared_method_count)) {
             const std::string name = "calling the shared method " + d.text;
             all.push_back({name, [&subject, &type, d, name] {
@@ -259,11 +263,11 @@ Operations shared_call_operations(const Subject &subject, const kzb_module *modu
     return all;
 }
 
-Operations whole_tour(const Subject &subject, const kzb_module *module) {
-    Operations all = object_operations(module);
-    for (Operations part : {reading_operations(module), writing_operations(subject, module),
-                            nil_call_operations(subject, module), random_call_operations(subject, module),
-                            constructor_operations(subject, module), shared_call_operations(subject, module)})
+Operations whole_tour(const Subject &subject) {
+    Operations all = object_operations(subject);
+    for (Operations part :
+         {reading_operations(subject), writing_operations(subject), nil_call_operations(subject),
+          random_call_operations(subject, 1), constructor_operations(subject), shared_call_operations(subject)})
         all.insert(all.end(), part.begin(), part.end());
     return all;
 }

@@ -16,19 +16,20 @@ using Operations = std::vector<Operation>;
 
 // Loads the module into the embedded host, whose entry points are those of host_entries(). Nil: it is refused, which is
 // told as a failure.
-kzb_module *load_module(const Subject &subject);
+kzb_module *load_module(Subject &subject);
 
-// Each makes its objects anew. The module and the subject must outlive the operations.
-Operations object_operations(const kzb_module *module);
-Operations reading_operations(const kzb_module *module);
-Operations writing_operations(const Subject &subject, const kzb_module *module);
-Operations nil_call_operations(const Subject &subject, const kzb_module *module);
-Operations random_call_operations(const Subject &subject, const kzb_module *module);
-Operations constructor_operations(const Subject &subject, const kzb_module *module);
-Operations shared_call_operations(const Subject &subject, const kzb_module *module);
+// Each makes its objects anew. The subject, whose module is loaded, must outlive the operations.
+Operations object_operations(const Subject &subject);
+Operations reading_operations(const Subject &subject);
+Operations writing_operations(const Subject &subject);
+Operations nil_call_operations(const Subject &subject);
+// Each calls so many times, with other arguments.
+Operations random_call_operations(const Subject &subject, int rounds);
+Operations constructor_operations(const Subject &subject);
+Operations shared_call_operations(const Subject &subject);
 
 // All of them.
-Operations whole_tour(const Subject &subject, const kzb_module *module);
+Operations whole_tour(const Subject &subject);
 
 // What the operation that runs could not do; empties the list.
 std::vector<std::string> take_complaints();
