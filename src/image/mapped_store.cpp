@@ -34,31 +34,42 @@ int64_t mapping_block_size(int64_t wish, int64_t row_size, int64_t total_size) {
 // Opens the file for one image alone; -1 when that fails. Never descriptor 0, which an image that is closed twice
 // truncates and closes.
 int open_scratch_file(const char *path) {
-    int descriptor = open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, S_IRUSR | S_IWUSR);
+    constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK;
+    int descriptor = open(path, flags | O_EXCL, S_IRUSR | S_IWUSR);
+    const bool is_new = descriptor >= 0;
+    if (!is_new && errno == EEXIST) descriptor = open(path, flags, S_IRUSR | S_IWUSR);
     if (descriptor == 0) {
         descriptor = fcntl(0, F_DUPFD_CLOEXEC, 1);
         close(0);
     }
-    if (descriptor < 0) return -1;
     struct stat status = {};
+    const bool is_known = descriptor >= 0 && fstat(descriptor, &status) == 0;
     // Truncating a file that another image has mapped would take its pages away. A file system without locks is used
     // without them.
-    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) ||
-        (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)) {
-        close(descriptor);
-        return -1;
-    }
-    return descriptor;
+    if (is_known && S_ISREG(status.st_mode) && (flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK))
+        return descriptor;
+    if (descriptor >= 0) close(descriptor);
+    if (is_new && !is_known) unlink(path);
+    return -1;
 }
 
-// Sets the file's length and reserves its space, so that a full disk is found here and not at the first write to a
-// mapped page. A file system that cannot reserve is used as it is.
+// Reserves the file's space, so that a full disk is found here and not at the first write to a mapped page. A file
+// system that cannot reserve is used as it is.
+bool reserve(int descriptor, int64_t length) {
+    // Signals may interrupt it, and some file systems then begin anew.
+    constexpr int most_attempts = 100;
+    for (int attempt = 0; attempt < most_attempts; ++attempt) {
+        if (fallocate(descriptor, 0, 0, length) == 0) return true;
+        if (errno != EINTR) return errno != ENOSPC && errno != EDQUOT && errno != EFBIG && errno != EIO;
+    }
+    return false;
+}
+
 bool size_scratch_file(int descriptor, int64_t total_size) {
     const int64_t length = total_size + page_size;
     if (fchmod(descriptor, S_IRUSR | S_IWUSR) != 0 || ftruncate(descriptor, 0) != 0 ||
-        ftruncate(descriptor, length) != 0)
+        ftruncate(descriptor, length) != 0 || !reserve(descriptor, length))
         return false;
-    if (fallocate(descriptor, 0, 0, length) != 0 && (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)) return false;
     static constexpr char tail[tail_size] = {};
     return lseek(descriptor, total_size, SEEK_SET) == total_size &&
            write(descriptor, tail, tail_size) == static_cast<ssize_t>(tail_size);

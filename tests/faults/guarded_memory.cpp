@@ -28,7 +28,10 @@ uint8_t *GuardedMemory::take(size_t size, size_t alignment) {
     void *mapping = mmap(nullptr, length, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (mapping == MAP_FAILED) return nullptr;
     auto *pages = static_cast<uint8_t *>(mapping);
-    mprotect(pages + page_size(), room, PROT_READ | PROT_WRITE);
+    if (mprotect(pages + page_size(), room, PROT_READ | PROT_WRITE) != 0) {
+        munmap(pages, length);
+        return nullptr;
+    }
     uint8_t *start = pages + page_size() + (room - size) / alignment * alignment;
     std::memset(pages + page_size(), pattern, room);
     std::memset(start, 0, size);
@@ -49,6 +52,14 @@ bool GuardedMemory::give_back(void *start) {
     mprotect(piece.pages, piece.length, PROT_NONE);
     piece.given_back = true;
     return sound;
+}
+
+void GuardedMemory::forget() {
+    std::erase_if(pieces_, [](const auto &entry) {
+        const Piece &piece = entry.second;
+        if (piece.given_back) munmap(piece.pages, piece.length);
+        return piece.given_back;
+    });
 }
 
 bool GuardedMemory::empty() {

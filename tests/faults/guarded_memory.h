@@ -9,7 +9,7 @@ namespace kzb::test {
 
 // Each piece ends right before a page that cannot be touched, or up to `alignment` - 1 bytes earlier, and begins after
 // one; the rest of its pages is filled with a pattern. A piece that was given back cannot be touched any more, and its
-// address is not given out again until empty() is called.
+// address is not given out again until forget() or empty() is called.
 class GuardedMemory {
 public:
     // Zero-filled; nil when there is none.
@@ -18,6 +18,9 @@ public:
     // False when bytes around the piece have been written to. Only for pieces of this memory.
     bool give_back(void *start);
     bool owns(const void *start) const { return pieces_.count(start) != 0; }
+
+    // Gives the system the pages of the pieces that were given back.
+    void forget();
 
     // Gives everything back; false when bytes around a piece have been written to.
     bool empty();

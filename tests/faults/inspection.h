@@ -34,7 +34,7 @@ struct Seen {
 };
 Seen look_at(const Value &value);
 
-// How many descriptors the process has open.
+// How many descriptors below 256 the process has open.
 size_t open_descriptors();
 
 // How many mappings of files in the tests' temporary folder the process has.

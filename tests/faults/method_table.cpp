@@ -97,6 +97,13 @@ std::string plain_name(const std::string &declaration) {
     return declaration.substr(0, declaration.find_first_of("( "));
 }
 
+bool is_image_argument(const Row &row, size_t index) {
+    kzb_declaration parsed = {};
+    if (row.kind == Kind::getter || row.kind == Kind::setter) return false;
+    if (!kzb_parse_declaration(row.declaration.c_str(), &parsed, nullptr)) throw std::runtime_error(row.declaration);
+    return index < parsed.parameter_count && std::string_view(parsed.parameters[index].type_name) == "PictureKZB";
+}
+
 Call arrange(const Row &row) {
     restart_noise();
     Call call = row.make();

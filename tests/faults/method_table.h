@@ -52,6 +52,9 @@ std::vector<std::vector<const Row *>> rows_by_declaration();
 // The declaration's name alone.
 std::string plain_name(const std::string &declaration);
 
+// Whether the row's method declares an image as its argument `index`.
+bool is_image_argument(const Row &row, size_t index);
+
 // The row's call: each time the same, made anew.
 Call arrange(const Row &row);
 

@@ -86,6 +86,7 @@ int default_error(System call) {
     switch (call) {
     case System::allocation: return ENOMEM;
     case System::open: return EACCES;
+    case System::fcntl: return EMFILE;
     case System::flock: return EWOULDBLOCK;
     case System::fallocate:
     case System::write: return ENOSPC;
@@ -100,8 +101,8 @@ constinit uint32_t step = 0;
 } // namespace
 
 const char *name_of(System call) {
-    constexpr const char *names[] = {"allocation", "open",  "fstat", "flock", "fchmod", "ftruncate", "fallocate",
-                                     "lseek",      "write", "mmap",  "munmap", "close",  "unlink"};
+    constexpr const char *names[] = {"allocation", "open",      "fcntl", "fstat", "flock",  "fchmod", "ftruncate",
+                                     "fallocate",  "lseek",     "write", "mmap",  "munmap", "close",  "unlink"};
     static_assert(std::size(names) == call_count);
     return names[static_cast<size_t>(call)];
 }
@@ -132,11 +133,8 @@ void guard_module_memory(bool on) {
 }
 
 std::vector<std::string> memory_misuse() {
+    guarded().forget();
     return std::exchange(misuse(), {});
-}
-
-void forget_guarded_memory() {
-    if (!guarded().empty()) misuse().push_back("bytes around a piece of memory were written to");
 }
 
 void let_time_pass(uint32_t ticks_per_reading) {
@@ -184,6 +182,15 @@ KZB_WRAPPER int __wrap_open(const char *path, int flags, ...) {
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return fails(System::open) ? -1 : open(path, flags, mode);
+}
+
+// As the module calls it: with one number.
+KZB_WRAPPER int __wrap_fcntl(int descriptor, int command, ...) {
+    va_list arguments;
+    va_start(arguments, command);
+    const int argument = va_arg(arguments, int);
+    va_end(arguments);
+    return fails(System::fcntl) ? -1 : fcntl(descriptor, command, argument);
 }
 
 KZB_WRAPPER int __wrap_fstat(int descriptor, struct stat *status) {
@@ -237,6 +244,7 @@ KZB_WRAPPER int __wrap_unlink(const char *path) {
 
 extern "C" {
 KZB_SECOND_NAME("__wrap_open") int __wrap_open64(const char *, int, ...);
+KZB_SECOND_NAME("__wrap_fcntl") int __wrap_fcntl64(int, int, ...);
 KZB_SECOND_NAME("__wrap_fstat") int __wrap_fstat64(int, struct stat *);
 KZB_SECOND_NAME("__wrap_ftruncate") int __wrap_ftruncate64(int, off_t);
 KZB_SECOND_NAME("__wrap_fallocate") int __wrap_fallocate64(int, int, off_t, off_t);

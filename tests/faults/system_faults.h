@@ -10,6 +10,7 @@ namespace kzb::test {
 enum class System : uint8_t {
     allocation, // calloc, malloc, realloc
     open,
+    fcntl,
     fstat,
     flock,
     fchmod,
@@ -49,12 +50,12 @@ uint64_t calls_of(System call);
 // The module's memory: how many pieces it has not given back.
 size_t pieces_of_module_memory();
 
-// From now on the module is given guarded memory, until the last piece is back and forget_guarded_memory() is called.
+// Whether the module is given guarded memory from now on.
 void guard_module_memory(bool on);
 
-// What was done wrong with memory since the last call: bytes around a piece written, a piece given back twice.
+// What was done wrong with memory since the last call: bytes around a piece written, a piece given back twice. From
+// here on addresses of pieces that were given back may be given out again.
 std::vector<std::string> memory_misuse();
-void forget_guarded_memory();
 
 // Ticks that go by with each reading of the module's clock.
 void let_time_pass(uint32_t ticks_per_reading);
