@@ -5,7 +5,7 @@ packages=(
     g++ cmake ninja-build pkg-config
     libffi-dev libpixman-1-dev libpng-dev libjpeg62-turbo-dev
     libcli11-dev
-    libgtest-dev
+    libgtest-dev nlohmann-json3-dev
 )
 
 say() { printf '%s\n' "$*"; }
@@ -39,11 +39,26 @@ install_packages() {
 }
 
 # Configures build/ once and builds it. Quiet unless something is wrong.
-build() {
-    local log=build/build.log
-    mkdir -p build
-    if [[ ! -f build/CMakeCache.txt ]]; then
-        cmake -S . -B build -G Ninja >"$log" 2>&1 || { cat "$log" >&2; complain "the build could not be set up"; }
+build() { build_in build -- "$@"; }
+
+# build_in FOLDER [words for the configuration] -- [words for the build]
+build_in() {
+    local folder=$1 log=$1/build.log configuration=()
+    shift
+    while [[ $1 != -- ]]; do
+        configuration+=("$1")
+        shift
+    done
+    shift
+    mkdir -p "$folder"
+    if [[ ! -f $folder/CMakeCache.txt ]]; then
+        cmake -S . -B "$folder" -G Ninja "${configuration[@]}" >"$log" 2>&1 || {
+            cat "$log" >&2
+            complain "the build could not be set up"
+        }
     fi
-    cmake --build build -j "$(nproc)" "$@" >"$log" 2>&1 || { cat "$log" >&2; complain "the build failed"; }
+    cmake --build "$folder" -j "$(nproc)" "$@" >"$log" 2>&1 || {
+        cat "$log" >&2
+        complain "the build failed"
+    }
 }

@@ -16,7 +16,8 @@ namespace {
 
 constexpr const char *usage_text = "Usage: kzb INPUT [: STEP [ARGUMENT...]]... -o OUTPUT\n"
                                    "       kzb list\n"
-                                   "       kzb help [METHOD]\n";
+                                   "       kzb help [METHOD]\n"
+                                   "       kzb check MODULE.so [CHECK...]\n";
 
 constexpr const char *description_text =
     "kzb reads a picture (PNG, JPEG), sends it through a chain of the methods of PictureKZB, and writes the result.";
@@ -38,6 +39,7 @@ Examples
   kzb photo.jpg : GammaFilter 2.2 : SolarizeFilter -o out.png
   kzb photo.jpg : GainFilter gain=0.7 bias=0.5 -o out.jpg --quality 85
   kzb photo.png -o photo.jpg
+  kzb check PictureKZB.so        looks at a module from all sides; 'kzb check --help' tells more
 
 Exit codes
   0 done    1 an operation failed    2 wrong usage    3 the input could not be read

@@ -1,9 +1,11 @@
 // kzb: a picture through a chain of the module's methods.
 #include "chain.h"
+#include "check/command.h"
 #include "command_line.h"
 #include "help.h"
 #include "picture_files.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <new>
@@ -120,6 +122,8 @@ void run(int argc, const char *const *argv) {
 int main(int argc, char **argv) {
     using namespace kzb::cli;
     try {
+        const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+        if (check::is_check(words)) return static_cast<int>(check::run_check(words));
         run(argc, argv);
         return static_cast<int>(Exit::done);
     } catch (const Failure &failure) {

@@ -64,10 +64,10 @@ KZBBoolean REALFSRefFromFolderItem(KZBFolderItem item, FSRef *reference, HFSUniS
            is_there(reference->path, true) && set_name(name, last);
 }
 
-KZBBoolean REALFSSpecFromFolderItem(KZBFolderItem item, FSSpec *specification) {
+KZBBoolean REALFSSpecFromFolderItem(KZBFolderItem item, FSSpec *older_reference) {
     KZBObject object = as_object(item);
-    return specification && object_is(object, folder_item_class, "REALFSSpecFromFolderItem") &&
-           set_path(specification, path_of(object));
+    return older_reference && object_is(object, folder_item_class, "REALFSSpecFromFolderItem") &&
+           set_path(older_reference, path_of(object));
 }
 
 const HostEntry list[] = {KZB_HOST_ENTRY(REALFSRefFromFolderItem), KZB_HOST_ENTRY(REALFSSpecFromFolderItem)};

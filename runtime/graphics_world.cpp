@@ -65,6 +65,7 @@ bool is_drawable(const GWorld *world) {
     const int32_t needed = world_row_bytes(static_cast<int32_t>(world->width), static_cast<int32_t>(world->height),
                                            static_cast<int32_t>(world->depth));
     return needed != 0 && world->row_bytes <= INT32_MAX &&
+           static_cast<int64_t>(world->row_bytes) * world->height <= static_cast<int64_t>(INTPTR_MAX) &&
            world->row_bytes >= world->width * static_cast<kzb_word>(pixel_bytes(world->depth));
 }
 

@@ -48,12 +48,16 @@ bool ImageReading::fail_decoding(const char *reason) {
     return fail(KZB_ERROR_INPUT, file + "is damaged or of a kind that cannot be read (" + reason + ")");
 }
 
-bool ImageReading::make_worlds(uint64_t width, uint64_t height, bool alpha, ImageWorlds &worlds) {
-    const std::string size = size_text(width, height);
+bool ImageReading::size_fits(uint64_t width, uint64_t height) {
     const bool fits = width <= INT32_MAX && height <= INT32_MAX;
-    if (!fits || world_row_bytes(static_cast<int32_t>(width), static_cast<int32_t>(height), 32) == 0) {
-        return fail(KZB_ERROR_INPUT, "the picture is too large for this program: " + size + "; make it smaller");
-    }
+    if (fits && world_row_bytes(static_cast<int32_t>(width), static_cast<int32_t>(height), 32) != 0) return true;
+    return fail(KZB_ERROR_INPUT,
+                "the picture is too large for this program: " + size_text(width, height) + "; make it smaller");
+}
+
+bool ImageReading::make_worlds(uint64_t width, uint64_t height, bool alpha, ImageWorlds &worlds) {
+    if (!size_fits(width, height)) return false;
+    const std::string size = size_text(width, height);
     if (width * height > max_pixels) {
         return fail(KZB_ERROR_INPUT, "the picture is too large: " + size + ", and the limit is " +
                                          std::to_string(max_pixels) + " pixels; make it smaller or raise the limit");

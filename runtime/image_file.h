@@ -41,7 +41,8 @@ struct ImageReading {
     uint64_t max_pixels;
     FileFailure &failure;
 
-    // Make the worlds for a file's size; false: too large.
+    // Whether a file's size fits this program; then the worlds for it. False: too large.
+    bool size_fits(uint64_t width, uint64_t height);
     bool make_worlds(uint64_t width, uint64_t height, bool alpha, ImageWorlds &worlds);
 
     // What a decoder that gave up reports: the file ended early, could not be read, or is damaged as `reason` says.

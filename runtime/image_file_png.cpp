@@ -49,6 +49,17 @@ void read_bytes(png_structp png, png_bytep bytes, size_t count) {
     }
 }
 
+// The size in the header, which follows the file's first eight bytes. The library, which has limits of its own where
+// words are short, is not asked before it is known to fit.
+bool stated_size_fits(ImageReading &reading) {
+    constexpr size_t type_at = 12, width_at = 16, height_at = 20, end = 24;
+    if (!reading.input.peek(end) || std::memcmp(reading.input.next() + type_at, "IHDR", 4) != 0) return true;
+    const png_uint_32 width = png_get_uint_32(reading.input.next() + width_at);
+    const png_uint_32 height = png_get_uint_32(reading.input.next() + height_at);
+    const auto sensible = [](png_uint_32 size) { return size >= 1 && size <= PNG_UINT_31_MAX; };
+    return !sensible(width) || !sensible(height) || reading.size_fits(width, height);
+}
+
 // Reads up to the pixels and asks for exchange pixels, with alpha (where the file has any) in byte 0.
 bool read_header(PngReading &work, bool &alpha, uint64_t &stored_row_bytes) {
     if (setjmp(png_jmpbuf(work.png))) return false;
@@ -144,6 +155,7 @@ bool write_rows(PngWriting &work, const GWorld &picture, const GWorld *mask, uin
 } // namespace
 
 bool read_png(ImageReading &reading, ImageWorlds &worlds) {
+    if (!stated_size_fits(reading)) return false;
     PngReading work;
     work.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, static_cast<PngWork *>(&work), give_up, ignore_warning);
     work.info = work.png ? png_create_info_struct(work.png) : nullptr;

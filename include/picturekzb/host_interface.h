@@ -286,7 +286,7 @@ typedef void REALYieldToRBFunction(void);
 typedef KZBBoolean REALFSRefFromFolderItemFunction(KZBFolderItem item, FSRef *reference, HFSUniStr255 *name);
 
 /* The older kind of reference, which need not exist. Non-zero: done. */
-typedef KZBBoolean REALFSSpecFromFolderItemFunction(KZBFolderItem item, FSSpec *specification);
+typedef KZBBoolean REALFSSpecFromFolderItemFunction(KZBFolderItem item, FSSpec *older_reference);
 
 /* A picture over an offscreen graphics world; with take_over non-zero the picture owns the world from now on. The
  * caller owns the picture. Nil: no picture was made and the world is still the caller's. */

@@ -40,7 +40,8 @@ ImageObject neon_filter(ImageObject image, ImageObject dest) {
     if (!passage) return nullptr;
     auto &[source, destination, result] = *passage;
     const Channels listed = channels_of(source);
-    if (listed.size() == 0) return result.release();
+    // A view without columns may begin anywhere, and its rows have no next pixel.
+    if (listed.size() == 0 || source.Width <= 0) return result.release();
     const bool plain_destination = !rows_may_run(source, destination, listed, source.Width, source.Height);
     const Channels channels = plain_destination ? listed : in_byte_order(listed, source);
     PackedRows written(destination, channels, source.Width, plain_destination);

@@ -20,6 +20,7 @@ public:
     // False without work memory.
     explicit operator bool() const { return static_cast<bool>(strip_); }
 
+    // Skews all columns; stops where a row is out of reach.
     void skew();
 
 private:

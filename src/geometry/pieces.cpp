@@ -27,7 +27,7 @@ Pieces pieces_of(const ImageRecord &source, const ImageRecord &destination, cons
     if (count == 0) return {};
     const int32_t first_from = *std::min_element(from.begin(), from.begin() + count);
     const int32_t first_to = *std::min_element(to.begin(), to.begin() + count);
-    bool together = side_by_side(from, first_from, count) && side_by_side(to, first_to, count);
+    bool together = side_by_side(to, first_to, count);
     for (size_t i = 0; i < count; ++i) together = together && from[i] - first_from == to[i] - first_to;
     if (together) return {1, count, {first_from}, {first_to}};
     return {count, 1, from, to};

@@ -12,8 +12,9 @@ namespace {
 enum class Turn { counter_clockwise, clockwise };
 enum class Order { rows, tiles };
 
-// Pixels small enough in number for their rows to stay in the nearest cache while a tile is turned.
-constexpr int32_t cached_edge = 16;
+// The edge of the squares in which pixels are turned: their rows on both sides stay in the nearest cache, also where
+// they lie a power of two apart.
+constexpr int64_t cached_edge = 16;
 
 // Moves single pixels, in the order of the calls.
 class PixelMover {
@@ -66,18 +67,18 @@ void turn_plainly(ImageRecord &source, ImageRecord &destination, const Channels 
 
 // Turns a part of the destination that is `rows` × `columns` pixels; both grids start at the pixel's first byte.
 void turn_grid(const kernels::Grid<uint8_t> &target, const kernels::Grid<const uint8_t> &source, const Pieces &pieces,
-               int32_t rows, int32_t columns) {
-    const auto at = [](const auto &grid, int32_t row, int32_t column, int32_t offset) {
-        auto moved = grid;
-        moved.first += row * grid.row_step + column * grid.column_step + offset;
-        return moved;
+               int64_t rows, int64_t columns) {
+    const auto at = [](auto grid, int64_t row, int64_t column, int32_t offset) {
+        grid.first += row * grid.row_step + column * grid.column_step + offset;
+        return grid;
     };
-    for (int32_t row = 0; row < rows; row += cached_edge) {
-        for (int32_t column = 0; column < columns; column += cached_edge) {
+    for (int64_t row = 0; row < rows; row += cached_edge) {
+        for (int64_t column = 0; column < columns; column += cached_edge) {
+            const auto height = static_cast<size_t>(std::min(cached_edge, rows - row));
+            const auto width = static_cast<size_t>(std::min(cached_edge, columns - column));
             for (size_t i = 0; i < pieces.count; ++i)
                 kernels::move_transposed(at(target, row, column, pieces.to[i]), at(source, column, row, pieces.from[i]),
-                                         static_cast<size_t>(std::min(cached_edge, rows - row)),
-                                         static_cast<size_t>(std::min(cached_edge, columns - column)), pieces.bytes);
+                                         height, width, pieces.bytes);
         }
     }
 }

@@ -63,9 +63,9 @@ template <class Result, class... Parameters> consteval Signature signature_of(Re
 // The signature that a declaration states. An unknown type, or text that is no declaration, stops the compilation.
 class DeclarationReader {
 public:
-    consteval explicit DeclarationReader(std::string_view text) : rest_(text) {}
+    constexpr explicit DeclarationReader(std::string_view text) : rest_(text) {}
 
-    consteval Signature read() {
+    constexpr Signature read() {
         Signature signature;
         name();
         if (taken("(")) {
@@ -81,26 +81,26 @@ public:
 private:
     static constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-    static consteval bool same(std::string_view a, std::string_view b) {
+    static constexpr bool same(std::string_view a, std::string_view b) {
         return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
     }
 
-    static consteval void require(bool held) {
+    static constexpr void require(bool held) {
         if (!held) throw "not a declaration";
     }
 
-    consteval void skip_blanks() {
+    constexpr void skip_blanks() {
         while (rest_.starts_with(' ')) rest_.remove_prefix(1);
     }
 
-    consteval bool taken(std::string_view token) {
+    constexpr bool taken(std::string_view token) {
         skip_blanks();
         if (!rest_.starts_with(token)) return false;
         rest_.remove_prefix(token.size());
         return true;
     }
 
-    consteval std::string_view name() {
+    constexpr std::string_view name() {
         skip_blanks();
         const std::string_view found = rest_.substr(0, rest_.find_first_of(" (),="));
         require(!found.empty());
@@ -108,7 +108,7 @@ private:
         return found;
     }
 
-    consteval DeclaredType parameter() {
+    constexpr DeclaredType parameter() {
         name();
         const bool array = taken("()");
         require(taken("as "));
@@ -117,7 +117,7 @@ private:
         return declared;
     }
 
-    consteval DeclaredType type(std::string_view found, bool array) {
+    constexpr DeclaredType type(std::string_view found, bool array) {
         struct Name {
             std::string_view text;
             DeclaredType type;

@@ -18,8 +18,8 @@ FileLocation location_of_item(FolderItem item) {
     if (REALFSRefFromFolderItem(item, &reference, &name)) {
         if (auto location = location_in(reference, name)) return location;
     }
-    FSSpec specification = {};
-    if (REALFSSpecFromFolderItem(item, &specification)) return location_of(specification);
+    FSSpec older_reference = {};
+    if (REALFSSpecFromFolderItem(item, &older_reference)) return location_of(older_reference);
     return {};
 }
 

@@ -60,8 +60,10 @@ public:
     // Takes the copy; of a row outside the storage it is empty.
     void take(int32_t y);
 
-    // A byte counted from the row's start; 0 beyond the copy.
-    uint8_t operator[](int64_t byte) const { return byte < length_ ? bytes_[static_cast<size_t>(byte)] : uint8_t{0}; }
+    // A byte counted from the row's start; 0 before and beyond the copy.
+    uint8_t operator[](int64_t byte) const {
+        return byte >= 0 && byte < length_ ? bytes_[static_cast<size_t>(byte)] : uint8_t{0};
+    }
 
 private:
     ImageRecord &image_;

@@ -64,8 +64,8 @@ FileLocation location_in(const FSRef &parent, const HFSUniStr255 &name) {
     return joined_path(parent.path, sizeof parent.path, text);
 }
 
-FileLocation location_of(const FSSpec &specification) {
-    return joined_path(specification.path, sizeof specification.path, "");
+FileLocation location_of(const FSSpec &older_reference) {
+    return joined_path(older_reference.path, sizeof older_reference.path, "");
 }
 
 Buffer<char> path_of(FileLocation location) { return location; }

@@ -18,11 +18,11 @@ using FileLocation = CoreReference<CFURLRef>;
 using FileLocation = Buffer<char>; // a path
 #endif
 
-// The locations of a reference, of a file named `name` in the folder `parent`, and of a specification. A name that is
+// The locations of a reference, of a file named `name` in the folder `parent`, and of an FSSpec. A name that is
 // no text stands for the folder itself.
 FileLocation location_of(const FSRef &reference);
 FileLocation location_in(const FSRef &parent, const HFSUniStr255 &name);
-FileLocation location_of(const FSSpec &specification);
+FileLocation location_of(const FSSpec &older_reference);
 
 // The NUL-terminated UTF-8 path of a location, or none.
 Buffer<char> path_of(FileLocation location);

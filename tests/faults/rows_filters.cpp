@@ -131,7 +131,7 @@ void add_tone(Rows &rows) {
             rows.push_back({Kind::method,
                             rectangle ? "AutoLevel(x as integer, y as integer, w as integer, h as integer) as boolean"
                                       : "AutoLevel as boolean",
-                            variant, FailsWith::no, Shortage::fails, [make, rectangle] {
+                            variant, FailsWith::no, Shortage::fails, [make = make, rectangle] {
                                 return Call{make(), rectangle ? std::vector<Value>{1, 1, 4, 9} : std::vector<Value>{}};
                             }});
 }

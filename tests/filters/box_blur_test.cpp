@@ -266,6 +266,18 @@ TEST(RepeatedBoxBlur, ThePassedDestinationReceivesTheFirstPassAlone) {
     }
 }
 
+TEST(BoxBlurFilter, WritesNothingForADestinationWithoutColumnsWhereverThatBegins) {
+    const Image source = random_image(7, 6, 2, 3);
+    const Image parent = random_image(7, 6, 2, 4);
+    const Bytes before = storage_of(parent);
+    for (const int32_t x : {1 << 20, 1 << 29, 3 << 28}) {
+        const Image destination(parent.call("ClipImage", x, 0, 5, 6));
+        ASSERT_EQ(destination.width(), 0);
+        EXPECT_TRUE(destination.same(Object(source.call("BoxBlurFilter", destination, 1.0))));
+        EXPECT_EQ(storage_of(parent), before) << x;
+    }
+}
+
 TEST(RepeatedBoxBlur, OnePassGivesTheDestination) {
     const Image source = random_image(5, 4, 2, 3), destination(5, 4, 2);
     EXPECT_TRUE(destination.same(Object(source.call("BoxBlurFilter", destination, 1.0, 1))));

@@ -72,8 +72,9 @@ void check_case(const Weights &weights, int32_t delta, double scale, int32_t wid
 }
 
 // A gray image of one row.
-Image row_of(const Bytes &values) {
+Image row_of(Bytes values) {
     const Image image(static_cast<int32_t>(values.size()), 1, 11);
+    values.resize(static_cast<size_t>(image.integer("RowSize")));
     image.assign("Row", block_of(values), 0);
     return image;
 }

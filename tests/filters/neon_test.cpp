@@ -147,5 +147,18 @@ TEST(NeonFilter, LeavesTheDestinationOfANeitherGrayNorColourImageAlone) {
     EXPECT_EQ(storage_of(dest), before);
 }
 
+TEST(NeonFilter, LeavesTheDestinationOfAViewWithoutColumnsWhereverThatBegins) {
+    const Image parent = *make_image(Storage::memory, 7, 6, 2, 1);
+    for (const int32_t x : {7, 1 << 20, 1 << 29, 3 << 28}) {
+        const Image view(parent.call("ClipImage", x, 0, 5, 5));
+        ASSERT_EQ(view.width(), 0);
+        ASSERT_EQ(view.height(), 5);
+        const Image destination = *make_image(Storage::memory, 7, 6, 2, 2);
+        const Bytes before = storage_of(destination);
+        EXPECT_TRUE(Image(view.call("NeonFilter", destination)).same(destination));
+        EXPECT_EQ(storage_of(destination), before) << x;
+    }
+}
+
 } // namespace
 } // namespace kzb::test

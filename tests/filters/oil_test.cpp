@@ -59,8 +59,9 @@ Bytes pixels_of(const Image &image) {
     return all;
 }
 
-Image gray_row(const Bytes &values) {
+Image gray_row(Bytes values) {
     const Image image(static_cast<int32_t>(values.size()), 1, 11);
+    values.resize(static_cast<size_t>(image.integer("RowSize")));
     image.assign("Row", block_of(values), 0);
     return image;
 }

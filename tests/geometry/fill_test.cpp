@@ -1,80 +1,9 @@
-// Invert, ClearRect, FillRect and FillRectRGB.
+// FillRect and FillRectRGB.
 
-#include "fixtures/plain_rectangle.h"
-#include "fixtures/storages.h"
-#include "geometry/shapes.h"
-
-#include <gtest/gtest.h>
-
-#include <functional>
+#include "geometry/in_place_check.h"
 
 namespace kzb::test {
 namespace {
-
-// What an operation does to a rectangle that is not cut yet. The image is asked for what the model lacks.
-using Meaning = std::function<void(const Image &image, const PlainImage &plain, PlainRectangle r)>;
-using Call = std::function<void(const Image &image, PlainRectangle r)>;
-
-void expect_meaning(const Image &image, const Call &call, const Meaning &meaning,
-                    const std::vector<PlainRectangle> &all) {
-    Snapshots snapshots;
-    const PlainImage plain = snapshots.of(image);
-    for (const PlainRectangle &r : all) {
-        SCOPED_TRACE(std::to_string(r.x) + ", " + std::to_string(r.y) + ", " + std::to_string(r.w) + ", " +
-                     std::to_string(r.h));
-        call(image, r);
-        meaning(image, plain, r);
-        ASSERT_EQ(difference(image, plain), "");
-    }
-}
-
-// Every layout in every storage, as it is and through views of every kind.
-void check(const Call &call, const Meaning &meaning) {
-    uint32_t seed = 1;
-    std::vector<int32_t> codes = {14};
-    for (const Layout &of : layouts()) codes.push_back(of.code);
-    for (int32_t code : codes) {
-        for (Storage storage : every_storage) {
-            const auto image = make_image(storage, 7, 5, code, ++seed);
-            if (!image) continue;
-            SCOPED_TRACE(std::string(layout(code).name) + " in " + name_of(storage));
-            for (const Shape &shape : shapes_of(*image)) {
-                SCOPED_TRACE(shape.name);
-                const bool thorough = storage == Storage::memory || storage == Storage::block;
-                auto all = rectangles(shape.image.width(), shape.image.height());
-                if (!thorough) all.resize(6);
-                ASSERT_NO_FATAL_FAILURE(expect_meaning(shape.image, call, meaning, all));
-            }
-        }
-        for (int32_t width : {1, 2, 3, 15, 16, 17, 31, 47, 48, 49, 70}) {
-            SCOPED_TRACE(std::string(layout(code).name) + " " + std::to_string(width) + " wide");
-            const Image image = *make_image(Storage::block, width, 2, code, ++seed);
-            ASSERT_NO_FATAL_FAILURE(
-                expect_meaning(image, call, meaning, {{0, 0, width, 2}, {width / 3, 1, width / 2 + 1, 1}}));
-        }
-    }
-    for (int32_t code : {2, 6, 12}) {
-        const Image tall = make_tall_image(9, code, ++seed);
-        SCOPED_TRACE("a file of several blocks");
-        expect_meaning(tall, call, meaning, {{0, 0, 9, tall_height}, {2, 1, 4, tall_height}});
-    }
-}
-
-void set_bytes(const PlainImage &plain, int64_t y, int64_t byte, int64_t count, uint8_t value) {
-    for (int64_t at = plain.position(y, byte); count > 0; --count, ++at)
-        if (plain.inside(at)) (*plain.storage)[static_cast<size_t>(at)] = value;
-}
-
-template <class Visit> void visit_pixels(const PlainRectangle &r, Visit visit) {
-    for (int32_t y = r.y; y < r.y + r.h; ++y)
-        for (int32_t x = r.x; x < r.x + r.w; ++x) visit(x, y);
-}
-
-Bytes first_pixel(const Image &image) {
-    Bytes row = image.row(0);
-    row.resize(static_cast<size_t>(image.integer("PixelSize")));
-    return row;
-}
 
 Meaning filling(uint8_t value) {
     return [=](const Image &, const PlainImage &plain, PlainRectangle given) {
@@ -120,8 +49,8 @@ Meaning filling_colours(std::array<uint8_t, 4> values, bool with_alpha) {
 }
 
 TEST(FillRect, SetsEveryChannelAndFillsPackedRowsOn) {
-    check([](const Image &image, PlainRectangle r) { image.call("FillRect", r.x, r.y, r.w, r.h, 0x35); },
-          filling(0x35));
+    check_in_place([](const Image &image, PlainRectangle r) { image.call("FillRect", r.x, r.y, r.w, r.h, 0x35); },
+                   filling(0x35));
 }
 
 TEST(FillRect, WithoutARectangleIsTheWholeImage) {
@@ -220,13 +149,15 @@ TEST(FillRect, OfAViewsPackedRowStartsAtTheStoragesRow) {
 }
 
 TEST(FillRectRGB, SetsTheColoursAndLeavesAlphaAndPadding) {
-    check([](const Image &image, PlainRectangle r) { image.call("FillRectRGB", r.x, r.y, r.w, r.h, 10, 300, -3); },
-          filling_colours({10, 44, 253, 0}, false));
+    check_in_place(
+        [](const Image &image, PlainRectangle r) { image.call("FillRectRGB", r.x, r.y, r.w, r.h, 10, 300, -3); },
+        filling_colours({10, 44, 253, 0}, false));
 }
 
 TEST(FillRectRGB, WithAlphaSetsItWhereTheLayoutHasIt) {
-    check([](const Image &image, PlainRectangle r) { image.call("FillRectRGB", r.x, r.y, r.w, r.h, 1, 2, 3, 259); },
-          filling_colours({1, 2, 3, 3}, true));
+    check_in_place(
+        [](const Image &image, PlainRectangle r) { image.call("FillRectRGB", r.x, r.y, r.w, r.h, 1, 2, 3, 259); },
+        filling_colours({1, 2, 3, 3}, true));
 }
 
 TEST(FillRectRGB, EveryFormWithoutARectangleIsTheWholeImage) {
@@ -277,88 +208,6 @@ TEST(FillRectRGB, LeavesGrayUnchanged) {
     image.call("FillRectRGB", 1, 2, 3);
     image.call("FillRectRGB", 1, 2, 3, 4);
     EXPECT_EQ(storage_of(image), before);
-}
-
-TEST(ClearRect, WithoutARectangleZeroesWholeRows) {
-    uint32_t seed = 1;
-    for (const Layout &of : layouts()) {
-        for (Storage storage : every_storage) {
-            const auto image = make_image(storage, 6, 4, of.code, ++seed);
-            if (!image) continue;
-            SCOPED_TRACE(std::string(of.name) + " in " + name_of(storage));
-            for (const Shape &shape : shapes_of(*image)) {
-                SCOPED_TRACE(shape.name);
-                expect_meaning(
-                    shape.image, [](const Image &cleared, PlainRectangle) { cleared.call("ClearRect"); },
-                    [](const Image &, const PlainImage &plain, PlainRectangle) {
-                        for (int32_t y = 0; y < plain.height; ++y) set_bytes(plain, y, 0, plain.row_size, 0);
-                    },
-                    {{}});
-            }
-        }
-    }
-}
-
-TEST(ClearRect, ZeroesEveryByteOfTheRectangleCountedFromTheRowsAddress) {
-    check([](const Image &image, PlainRectangle r) { image.call("ClearRect", r.x, r.y, r.w, r.h); },
-          [](const Image &, const PlainImage &plain, PlainRectangle given) {
-              const PlainRectangle r = clipped(plain, given);
-              if (empty(r)) return;
-              for (int32_t y = r.y; y < r.y + r.h; ++y)
-                  set_bytes(plain, y, int64_t{plain.pixel_size} * r.x, int64_t{plain.pixel_size} * r.w, 0);
-          });
-}
-
-TEST(ClearRect, DoesNothingWithoutRowsAndBeyondTheRightEdge) {
-    const Image parent = *make_image(Storage::memory, 5, 5, 2, 1);
-    const Bytes before = storage_of(parent);
-    Image(parent.call("ClipImage", 0, 5, 5, 1)).call("ClearRect");
-    for (int32_t x : {5, 6, 1000, INT32_MAX}) parent.call("ClearRect", x, 0, 3, 3);
-    EXPECT_EQ(storage_of(parent), before);
-    const Image without_rows(5, 0, 2);
-    EXPECT_TRUE(without_rows.valid());
-    without_rows.call("ClearRect");
-    without_rows.call("ClearRect", 0, 0, 5, 5);
-}
-
-TEST(Invert, ComplementsWhatItsLayoutSays) {
-    const Meaning inverting = [](const Image &, const PlainImage &plain, PlainRectangle given) {
-        const PlainRectangle r = clipped(plain, given);
-        if (empty(r)) return;
-        std::vector<Channel> channels = plain.channels();
-        if (plain.has_alpha && plain.is_rgb) channels = {Channel::red, Channel::green, Channel::green, Channel::blue};
-        visit_pixels(r, [&](int32_t x, int32_t y) {
-            for (Channel channel : channels)
-                plain.set(x, y, channel, static_cast<uint8_t>(255 - plain.get(x, y, channel)));
-        });
-    };
-    check([](const Image &image, PlainRectangle r) { image.call("Invert", r.x, r.y, r.w, r.h); }, inverting);
-    for (const Layout &of : layouts())
-        expect_meaning(*make_image(Storage::block, 7, 5, of.code, 3),
-                       [](const Image &inverted, PlainRectangle) { inverted.call("Invert"); }, inverting,
-                       {{0, 0, 7, 5}});
-}
-
-TEST(Invert, TwiceRestoresEveryLayout) {
-    for (const Layout &of : layouts()) {
-        const Image image = *make_image(Storage::memory, 9, 4, of.code, 6);
-        const Bytes before = storage_of(image);
-        image.call("Invert");
-        EXPECT_NE(storage_of(image), before) << of.name;
-        image.call("Invert");
-        EXPECT_EQ(storage_of(image), before) << of.name;
-    }
-}
-
-TEST(Invert, LeavesGreenAndAlphaWhereTheLayoutHasAlpha) {
-    const Image image(1, 1, 2);
-    image.call("FillRectRGB", 1, 2, 3, 4);
-    image.call("Invert");
-    EXPECT_EQ(first_pixel(image), (Bytes{254, 2, 252, 4}));
-    const Image gray(1, 1, 12);
-    gray.call("FillRect", 5);
-    gray.call("Invert");
-    EXPECT_EQ(first_pixel(gray), (Bytes{250, 250}));
 }
 
 TEST(Fills, DoNothingToImagesThatAreNotUsable) {

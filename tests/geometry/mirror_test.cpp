@@ -190,17 +190,34 @@ TEST(Mirrors, TwiceGiveTheImageBack) {
     }
 }
 
-TEST(Mirrors, OfRowsThatTheirCallerLaidOverEachOtherGoRowByRow) {
-    // Rows of 12 bytes that start 5 bytes apart: the storage ends with the last row's start and 5 bytes.
-    const Bytes bytes = random_bytes(64, 9);
-    const Value memory = block_of(bytes);
-    const Image image(Object::make("PictureKZB", memory, 4, 6, 1, 5));
-    image.call("HMirror");
-    Bytes expected = bytes;
+// The pixels of rows of 12 bytes that start 5 bytes apart.
+struct OverlappingRows {
+    Bytes bytes = random_bytes(64, 9);
+    Value memory = block_of(bytes);
+    Image image{Object::make("PictureKZB", memory, 4, 6, 1, 5)};
+
+    Bytes row(size_t y) const { return Bytes(bytes.begin() + y * 5, bytes.begin() + y * 5 + 12); }
+};
+
+TEST(HMirror, OfRowsThatTheirCallerLaidOverEachOtherGoesRowByRow) {
+    OverlappingRows rows;
+    rows.image.call("HMirror");
+    Bytes &expected = rows.bytes;
     for (size_t y = 0; y < 6; ++y)
         for (size_t x = 0; x < 2; ++x)
             for (size_t c = 0; c < 3; ++c) std::swap(expected[y * 5 + x * 3 + c], expected[y * 5 + (3 - x) * 3 + c]);
-    EXPECT_EQ(memory.bytes(), expected);
+    EXPECT_EQ(rows.memory.bytes(), expected);
+}
+
+TEST(VMirror, OfRowsThatTheirCallerLaidOverEachOtherWritesTheUpperOneFirst) {
+    OverlappingRows rows;
+    rows.image.call("VMirror");
+    for (size_t y = 0; y < 3; ++y) {
+        const Bytes upper = rows.row(y), lower = rows.row(5 - y);
+        std::copy(lower.begin(), lower.end(), rows.bytes.begin() + y * 5);
+        std::copy(upper.begin(), upper.end(), rows.bytes.begin() + (5 - y) * 5);
+    }
+    EXPECT_EQ(rows.memory.bytes(), rows.bytes);
 }
 
 } // namespace

@@ -174,8 +174,11 @@ TEST_F(RotateFactories, ImagesOfAnyOtherSizeLayoutAndStorageAreWrittenInsideThei
         std::vector<Image> images;
         for (const Asked &one : sizes_of(image, angle)) {
             const bool fits = below(2) == 0;
+            const bool close = below(2) == 0;
             const auto extent = [&](int32_t wish) {
-                return fits ? wish : std::max(1, wish - 6 + static_cast<int32_t>(below(12)));
+                if (fits) return wish;
+                if (!close) return static_cast<int32_t>(1 + below(30));
+                return std::max(1, wish - 6 + static_cast<int32_t>(below(12)));
             };
             const Storage storage = std::array{Storage::memory, Storage::block, Storage::block_view, Storage::file,
                                                Storage::file_view}[below(i % 10 == 0 ? 5 : 3)];
@@ -232,6 +235,27 @@ TEST_F(RotateFactories, OverlappingRowsOfASuppliedImageGoInTheStatedOrder) {
         if (odd == 2) continue;
         EXPECT_EQ(difference(images[2], expected[2]), "") << odd;
     }
+}
+
+TEST_F(RotateFactories, AnImageThatIsShearedIsGivenBackBeforeTheNextButOneIsAskedFor) {
+    const Image image = *make_image(Storage::memory, 9, 7, 1, 3);
+    std::vector<size_t> alive;
+    user_code = [&] { alive.push_back(kzb_live_count("PictureKZB")); };
+    image.set("Factory", handled_factory());
+    const size_t before = kzb_live_count("PictureKZB");
+    EXPECT_FALSE(rotate(image, 20).is_nil());
+    image.set("Factory", nullptr);
+    EXPECT_EQ(alive, (std::vector<size_t>{before, before + 1, before + 1}));
+}
+
+TEST_F(RotateFactories, NoImageIsAskedForWhoseSizeDoesNotFit32Bits) {
+    // Its rows lie over each other and are not read.
+    const Image vast(Object::make("PictureKZB", block_of(Bytes(64)), INT32_MAX - 100, 2000000, 11, 0));
+    ASSERT_TRUE(vast.valid());
+    vast.set("Factory", handled_factory());
+    for (double angle : {1.0, 45.0, 330.0}) EXPECT_TRUE(rotate(vast, angle).is_nil()) << angle;
+    vast.set("Factory", nullptr);
+    EXPECT_TRUE(asked.empty());
 }
 
 TEST_F(RotateFactories, AnImageThatIsNotUsableEndsTheRotation) {

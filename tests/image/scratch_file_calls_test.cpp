@@ -91,7 +91,8 @@ ptrdiff_t open_descriptors() {
 }
 
 TEST_F(ScratchFileCalls, AWalkFromRowToRowMapsEachBlockOnce) {
-    for (auto [height, blocks] : {std::pair(8250, 3), {20'000, 5}, {4096, 1}, {4097, 2}, {100, 1}, {1, 1}}) {
+    for (const auto &[rows, blocks] : {std::pair(8250, 3), {20'000, 5}, {4096, 1}, {4097, 2}, {100, 1}, {1, 1}}) {
+        const int32_t height = rows; // clang 14 gives lambdas no structured bindings
         Image image;
         EXPECT_EQ(mappings_of([&] { image = in_file(scratch_path(), 1000, height, 2); }), 1);
         ASSERT_EQ(image.integer("RowSize"), 4096);

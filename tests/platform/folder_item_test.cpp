@@ -34,9 +34,9 @@ protected:
         item.parent = reference_to(folder);
         item.name = name_of(u"n\u00E9w");
     }
-    static void item_has_specification() {
-        item.has_specification = true;
-        item.specification = specification_of(u"/Disk/spec");
+    static void item_has_older_reference() {
+        item.has_older_reference = true;
+        item.older_reference = older_reference_of(u"/Disk/older");
     }
     static std::string path() {
         const auto found = folder_item_path(the_item());
@@ -53,19 +53,19 @@ TEST_F(FolderItemPath, NilHasNone) {
 TEST_F(FolderItemPath, OfAnExistingItemComesFromItsReference) {
     item_exists();
     item_is_new();
-    item_has_specification();
+    item_has_older_reference();
     EXPECT_EQ(path(), folder_path + "/old");
 }
 
 TEST_F(FolderItemPath, OfANewItemIsItsFolderAndItsName) {
     item_is_new();
-    item_has_specification();
+    item_has_older_reference();
     EXPECT_EQ(path(), new_file_path);
 }
 
 TEST_F(FolderItemPath, IsTheSpecificationsWhenNothingElseIsThere) {
-    item_has_specification();
-    EXPECT_EQ(path(), "/Disk/spec");
+    item_has_older_reference();
+    EXPECT_EQ(path(), "/Disk/older");
 }
 
 TEST_F(FolderItemPath, OfAnItemThatTheHostKnowsNothingOfIsNone) {
@@ -75,23 +75,23 @@ TEST_F(FolderItemPath, OfAnItemThatTheHostKnowsNothingOfIsNone) {
 TEST_F(FolderItemPath, OfAReferenceWithoutURLComesFromTheNextWay) {
     item_exists();
     item_is_new();
-    item_has_specification();
+    item_has_older_reference();
     fail("CFURLCreateFromFSRef");
     EXPECT_EQ(path(), new_file_path);
 }
 
 TEST_F(FolderItemPath, OfAFolderWithoutURLComesFromTheSpecification) {
     item_is_new();
-    item_has_specification();
+    item_has_older_reference();
     fail("CFURLCreateFromFSRef");
-    EXPECT_EQ(path(), "/Disk/spec");
+    EXPECT_EQ(path(), "/Disk/older");
 }
 
 TEST_F(FolderItemPath, OfANameThatCannotBeAppendedComesFromTheSpecification) {
     item_is_new();
-    item_has_specification();
+    item_has_older_reference();
     fail("CFURLCreateCopyAppendingPathComponent");
-    EXPECT_EQ(path(), "/Disk/spec");
+    EXPECT_EQ(path(), "/Disk/older");
 }
 
 TEST_F(FolderItemPath, OfANameThatIsNoTextIsTheFolders) {
@@ -143,7 +143,7 @@ TEST_F(FolderItemPath, IsNoneWhenTheURLHasNoPathOrThePathNoUTF8) {
     for (const char *function : {"CFURLCopyFileSystemPath", "CFStringGetCString"}) {
         start();
         item_exists();
-        item_has_specification();
+        item_has_older_reference();
         fail(function);
         EXPECT_EQ(path(), none) << function;
         EXPECT_EQ(left(), Left()) << function;
@@ -151,7 +151,7 @@ TEST_F(FolderItemPath, IsNoneWhenTheURLHasNoPathOrThePathNoUTF8) {
 }
 
 TEST_F(FolderItemPath, IsNoneWhenTheSpecificationHasNoReference) {
-    item_has_specification();
+    item_has_older_reference();
     fail("FSpMakeFSRef");
     EXPECT_EQ(path(), none);
     EXPECT_EQ(std::ranges::count(calls(), "CFURLCreateFromFSRef"), 0);
@@ -159,7 +159,7 @@ TEST_F(FolderItemPath, IsNoneWhenTheSpecificationHasNoReference) {
 
 // Each call that each way makes, made to fail in its turn.
 TEST_F(FolderItemPath, LeavesNothingBehindWhicheverCallFails) {
-    void (*const ways[])() = {item_exists, item_is_new, item_has_specification};
+    void (*const ways[])() = {item_exists, item_is_new, item_has_older_reference};
     for (void (*way)() : ways) {
         start();
         way();

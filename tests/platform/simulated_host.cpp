@@ -17,9 +17,9 @@ KZBBoolean reference_from_item(KZBFolderItem, FSRef *reference, HFSUniStr255 *na
     return item.has_parent;
 }
 
-KZBBoolean specification_from_item(KZBFolderItem, FSSpec *specification) {
-    *specification = item.specification;
-    return item.has_specification;
+KZBBoolean older_reference_from_item(KZBFolderItem, FSSpec *older_reference) {
+    *older_reference = item.older_reference;
+    return item.has_older_reference;
 }
 
 void lock_object(KZBObject) {
@@ -54,7 +54,7 @@ void *host_entry(const char *name) {
         const char *name;
         void *address;
     } entries[] = {{"REALFSRefFromFolderItem", reinterpret_cast<void *>(reference_from_item)},
-                   {"REALFSSpecFromFolderItem", reinterpret_cast<void *>(specification_from_item)},
+                   {"REALFSSpecFromFolderItem", reinterpret_cast<void *>(older_reference_from_item)},
                    {"REALLockObject", reinterpret_cast<void *>(lock_object)},
                    {"REALUnlockObject", reinterpret_cast<void *>(unlock_object)},
                    {"lockPictureDescription", reinterpret_cast<void *>(lock_description)},

@@ -11,10 +11,10 @@ namespace kzb::test::simulated {
 struct Item {
     bool exists = false;            // REALFSRefFromFolderItem gives `reference` for the item itself
     bool has_parent = false;        // ... and `parent` with `name`
-    bool has_specification = false; // REALFSSpecFromFolderItem gives `specification`
+    bool has_older_reference = false; // REALFSSpecFromFolderItem gives `older_reference`
     FSRef reference = {}, parent = {};
     HFSUniStr255 name = {};
-    FSSpec specification = {};
+    FSSpec older_reference = {};
 };
 inline Item item;
 FolderItem the_item();

@@ -113,10 +113,10 @@ FSRef reference_to(const std::u16string &path) {
     return reference;
 }
 
-FSSpec specification_of(const std::u16string &path) {
-    FSSpec specification = {};
-    specification.folder = static_cast<int32_t>(add_path(path));
-    return specification;
+FSSpec older_reference_of(const std::u16string &path) {
+    FSSpec older_reference = {};
+    older_reference.folder = static_cast<int32_t>(add_path(path));
+    return older_reference;
 }
 
 void fail(const std::string &function, int nth) {
@@ -216,9 +216,9 @@ Boolean CFStringGetCString(CFStringRef text, char *buffer, CFIndex size, CFStrin
     return 1;
 }
 
-OSErr FSpMakeFSRef(const FSSpec *specification, FSRef *reference) {
+OSErr FSpMakeFSRef(const FSSpec *older_reference, FSRef *reference) {
     if (fails("FSpMakeFSRef")) return no_such_file;
-    const auto number = static_cast<uint32_t>(specification->folder);
+    const auto number = static_cast<uint32_t>(older_reference->folder);
     if (path_numbered(number) == nullptr) return no_such_file;
     std::memcpy(reference->hidden, &number, sizeof number);
     return 0;

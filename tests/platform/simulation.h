@@ -13,7 +13,7 @@ void reset();
 
 // Makes a reference to a path: the item's own one.
 FSRef reference_to(const std::u16string &path);
-FSSpec specification_of(const std::u16string &path);
+FSSpec older_reference_of(const std::u16string &path);
 
 // The call of that name (the n-th of them, counted from 1, since reset()) fails, as the system's would.
 void fail(const std::string &function, int nth = 1);

@@ -231,7 +231,7 @@ TEST_F(DrawingTest, LargePicturesAreScaledWhole) {
             const PictureOwner from = tall ? make_picture(2, from_width) : make_picture(from_width, 2);
             const PictureOwner to = tall ? make_picture(3, to_width) : make_picture(to_width, 3);
             // A ramp whose steps are far below one level, so that interpolation hardly shows.
-            const auto ramp = [&](double u) { return u / from_width * 240.0 + 5; };
+            const auto ramp = [length = from_width](double u) { return u / length * 240.0 + 5; };
             for (int32_t i = 0; i < from_width; ++i) {
                 const auto level = static_cast<uint8_t>(std::lround(ramp(i + 0.5)));
                 for (int32_t j = 0; j < 2; ++j) {

@@ -51,7 +51,13 @@ TEST_F(MemoryBlock, MayReferToBytesThatAreNotItsOwn) {
 
 TEST_F(MemoryBlock, ThatDoesNotFitIsNil) {
     EXPECT_EQ(kzb_block_new(nullptr, SIZE_MAX), nullptr);
+    // Half of a small address space may be had once, but not twice.
+    const KZBMemoryBlock half = kzb_block_new(nullptr, SIZE_MAX / 2 - 8);
     EXPECT_EQ(kzb_block_new(nullptr, SIZE_MAX / 2 - 8), nullptr);
+    kzb_value held = {};
+    held.kind = KZB_OBJECT;
+    held.object = reinterpret_cast<KZBObject>(half);
+    kzb_release(&held);
     size_t count = 77;
     EXPECT_EQ(kzb_block_bytes(nullptr, &count), nullptr);
     EXPECT_EQ(count, 0U);

@@ -40,9 +40,9 @@ FileLocation location_in(const FSRef &parent, const HFSUniStr255 &name) {
         CFURLCreateCopyAppendingPathComponent(nullptr, folder.get(), decomposed(text).get(), is_directory));
 }
 
-FileLocation location_of(const FSSpec &specification) {
+FileLocation location_of(const FSSpec &older_reference) {
     FSRef reference = {};
-    if (FSpMakeFSRef(&specification, &reference) != 0) return {};
+    if (FSpMakeFSRef(&older_reference, &reference) != 0) return {};
     return location_of(reference);
 }
 

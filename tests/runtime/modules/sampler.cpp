@@ -174,10 +174,10 @@ KZBString convert(KZBObject, KZBString value, int32_t encoding) {
 
 KZBString path_of(KZBObject, KZBFolderItem item, int32_t kind) {
     FSRef reference = {};
-    FSSpec specification = {};
+    FSSpec older_reference = {};
     HFSUniStr255 name = {};
     if (kind == 0) return HOST(REALFSRefFromFolderItem)(item, &reference, nullptr) ? text(reference.path) : nullptr;
-    if (kind == 1) return HOST(REALFSSpecFromFolderItem)(item, &specification) ? text(specification.path) : nullptr;
+    if (kind == 1) return HOST(REALFSSpecFromFolderItem)(item, &older_reference) ? text(older_reference.path) : nullptr;
     if (!HOST(REALFSRefFromFolderItem)(item, &reference, &name)) return nullptr;
     std::string units(reinterpret_cast<char *>(name.unicode), size_t{2} * name.length);
     KZBString utf16 = text(units, KZB_ENCODING_UTF16), utf8 = HOST(REALConvertString)(utf16, KZB_ENCODING_UTF8);

@@ -51,7 +51,7 @@ struct HFSUniStr255 {
     uint16_t unicode[255];
 };
 
-OSErr FSpMakeFSRef(const FSSpec *specification, FSRef *reference);
+OSErr FSpMakeFSRef(const FSSpec *older_reference, FSRef *reference);
 CFURLRef CFURLCreateFromFSRef(CFAllocatorRef allocator, const FSRef *reference);
 CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url, CFStringRef component,
                                                Boolean is_directory);

@@ -1,0 +1,75 @@
+// Mirrors and rotations when memory is short: the module asks this program for it.
+
+#include "fixtures/storages.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <set>
+
+namespace {
+int requests = 0; // made so far
+int denied = 0;   // the one that fails, counted from 1
+} // namespace
+
+extern "C" [[gnu::visibility("default")]] void *__wrap_calloc(size_t count, size_t size) {
+    return ++requests == denied ? nullptr : std::calloc(count, size);
+}
+
+namespace kzb::test {
+namespace {
+
+class TurnsShortOfMemory : public testing::Test {
+protected:
+    void TearDown() override { denied = 0; }
+
+    // Calls a method with one request denied.
+    template <class... Arguments>
+    static Value call(int denied_request, const Image &image, const char *method, const Arguments &...arguments) {
+        requests = 0;
+        denied = denied_request;
+        Value result = image.call(method, arguments...);
+        denied = 0;
+        return result;
+    }
+};
+
+TEST_F(TurnsShortOfMemory, AMirrorWithoutMemoryForBothRowsChangesNothing) {
+    for (const char *method : {"VMirror", "Rotate180"}) {
+        const Image image = *make_image(Storage::memory, 5, 4, 2, 1);
+        const Bytes before = storage_of(image);
+        for (int request : {1, 2}) {
+            call(request, image, method);
+            EXPECT_EQ(storage_of(image), before) << method;
+        }
+        call(0, image, method);
+        EXPECT_EQ(requests, 2);
+        EXPECT_NE(storage_of(image), before);
+    }
+}
+
+TEST_F(TurnsShortOfMemory, HMirrorNeedsNone) {
+    const Image image = *make_image(Storage::memory, 5, 4, 2, 1);
+    call(0, image, "HMirror");
+    EXPECT_EQ(requests, 0);
+}
+
+TEST_F(TurnsShortOfMemory, ARotationWithoutMemoryForAnImageOrItsShiftsGivesNilAndForRowsTheSameBytes) {
+    const Image image = *make_image(Storage::memory, 40, 30, 3, 1);
+    const Bytes expected = storage_of(Image(call(0, image, "Rotate", 20.0, 1, 2, 3, 4, 5)));
+    const int all = requests;
+    std::set<int> nil;
+    for (int request = 1; request <= all; ++request) {
+        const Image result(call(request, image, "Rotate", 20.0, 1, 2, 3, 4, 5));
+        if (result)
+            EXPECT_EQ(storage_of(result), expected) << request;
+        else
+            nil.insert(request);
+    }
+    // Each image, then its shifts, before what the shear works with: four rows, a strip, four rows.
+    EXPECT_EQ(nil, (std::set<int>{1, 2, 7, 8, 10, 11}));
+    EXPECT_EQ(all, 15);
+}
+
+} // namespace
+} // namespace kzb::test
