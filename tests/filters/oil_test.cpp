@@ -32,9 +32,10 @@ Reference oil(int32_t levels, int64_t range) {
                 std::vector<uint8_t> results;
                 for (Channel channel : channels) {
                     std::vector<uint8_t> values;
-                    for (int64_t v = std::max<int64_t>(y - range, 0); v <= std::min(y + range, source.height - 1L); ++v)
-                        for (int64_t u = std::max<int64_t>(x - range, 0); u <= std::min(x + range, source.width - 1L);
-                             ++u)
+                    for (int64_t v = std::max<int64_t>(y - range, 0);
+                         v <= std::min(y + range, int64_t{source.height} - 1); ++v)
+                        for (int64_t u = std::max<int64_t>(x - range, 0);
+                             u <= std::min(x + range, int64_t{source.width} - 1); ++u)
                             values.push_back(source.get(u, v, channel));
                     results.push_back(fullest_mean(values, std::min(levels, 256)));
                 }

@@ -6,7 +6,7 @@ if [ "$exported" != REALPluginMain ]; then
   echo "exported: $exported"
   exit 1
 fi
-needed=$(readelf -d "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -vE '^(libc|libm|ld-linux.*)\.so\.[0-9]+$' || true)
+needed=$(readelf -d "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -vE '^(libc|libm|ld-linux.*|ld64)\.so\.[0-9]+$' || true)
 if [ -n "$needed" ]; then
   echo "needed: $needed"
   exit 1
