@@ -3,6 +3,7 @@
 // the fast ones are held against each other.
 
 #include "arguments.h"
+#include "places.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -12,117 +13,7 @@ namespace kzb::fuzz {
 
 namespace {
 
-using test::Bytes;
-
-enum class Place { memory, block, file, picture, memory_view, block_view, file_view, beside, beside_in_file };
-constexpr Place every_place[] = {Place::memory,    Place::block,       Place::file,
-                                 Place::picture,   Place::memory_view, Place::block_view,
-                                 Place::file_view, Place::beside,      Place::beside_in_file};
-constexpr const char *place_names[] = {"memory",         "block",        "file",
-                                       "picture",        "view",         "view of a block",
-                                       "view of a file", "side by side", "side by side in a file"};
-
-// Where a view lies in its parent, and by how much that is larger.
-constexpr int32_t view_x = 2, view_y = 3, more_columns = 3, more_rows = 4;
-constexpr uint8_t surroundings = 0xA5;
-
 constexpr int32_t largest_side = 20;
-
-struct Kind {
-    int32_t width, height, format;
-};
-
-// An image and the column of its rows at which its pixels begin.
-struct Placed {
-    Value image;
-    Kind kind = {};
-    int32_t first_column = 0;
-    bool surrounded = true; // nobody else's pixels are in its rows
-
-    int32_t pixel_size() const { return fuzz::pixel_size(kind.format); }
-};
-
-Value construct(const std::vector<Value> &arguments) {
-    kzb_error error = {};
-    const Value image = Value::adopt(kzb_new("PictureKZB", nullptr, 0, &error));
-    call(image, "Constructor", arguments);
-    if (!shape_of(image).valid) found("an image of the fuzzer is not Valid");
-    return image;
-}
-
-std::optional<Value> whole(Place place, const Kind &kind, size_t file) {
-    const auto &[width, height, format] = kind;
-    switch (place) {
-    case Place::block: {
-        const int32_t row_size = width * pixel_size(format) + 5;
-        return construct(
-            {test::block_of(Bytes(static_cast<size_t>(row_size * height))), width, height, format, row_size});
-    }
-    case Place::file:
-        return construct({width, height, format, 0, test::folder_item(World::file_path(file))});
-    case Place::picture:
-        if (format != 1 && format != 4 && format != 5) return std::nullopt;
-        return construct(
-            {Value::adopt(reinterpret_cast<KZBObject>(kzb_picture_new(width, height, format == 1 ? 24 : 32))),
-             format == 4});
-    default:
-        return construct({width, height, format});
-    }
-}
-
-Placed view_of(const Value &parent, const Kind &kind, int32_t x, int32_t y) {
-    return {call(parent, "ClipImage", {x, y, kind.width, kind.height}), kind, x};
-}
-
-std::optional<Placed> placed(Place place, const Kind &kind, size_t file) {
-    const Kind larger = {kind.width + more_columns, kind.height + more_rows, kind.format};
-    switch (place) {
-    case Place::memory_view:
-        return view_of(*whole(Place::memory, larger, file), kind, view_x, view_y);
-    case Place::block_view:
-        return view_of(*whole(Place::block, larger, file), kind, view_x, view_y);
-    case Place::file_view:
-        return view_of(*whole(Place::file, larger, file), kind, view_x, view_y);
-    default:
-        break;
-    }
-    const auto image = whole(place, kind, file);
-    if (!image) return std::nullopt;
-    return Placed{*image, kind};
-}
-
-void paint(const Placed &placed, uint32_t seed) {
-    uint32_t state = seed;
-    const auto start = static_cast<size_t>(placed.first_column * placed.pixel_size());
-    const auto count = static_cast<size_t>(placed.kind.width * placed.pixel_size());
-    for (int32_t y = 0; y < placed.kind.height; ++y) {
-        Bytes row = call(placed.image, "Row", {y}).bytes();
-        if (placed.surrounded) std::fill(row.begin(), row.end(), surroundings);
-        for (size_t i = 0; i < count; ++i) {
-            state = state * 1664525 + 1013904223;
-            // Some equal neighbours, some extremes.
-            if (state >> 28 > 2)
-                row[start + i] = static_cast<uint8_t>(state >> 20);
-            else
-                row[start + i] = state >> 28 == 0 ? 0 : 255;
-        }
-        assign(placed.image, "Row", {y}, test::block_of(row));
-    }
-}
-
-// The image's pixels, whole. False when a byte around them in their rows is not as it was.
-bool take_pixels(const Placed &placed, Bytes &pixels) {
-    bool untouched = true;
-    const int32_t start = placed.first_column * placed.pixel_size();
-    const int32_t end = start + placed.kind.width * placed.pixel_size();
-    for (int32_t y = 0; y < placed.kind.height; ++y) {
-        const Bytes row = call(placed.image, "Row", {y}).bytes();
-        for (int32_t i = 0; i < static_cast<int32_t>(row.size()); ++i)
-            if ((i < start || i >= end) && row[static_cast<size_t>(i)] != surroundings) untouched = false;
-        pixels.insert(pixels.end(), row.begin() + start, row.begin() + end);
-    }
-    return untouched || !placed.surrounded;
-}
 
 // The channels of an image that a call made.
 Bytes channels_of(const Value &image) {

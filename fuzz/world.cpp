@@ -11,20 +11,6 @@ namespace kzb::fuzz {
 
 namespace {
 
-std::vector<kzb_value> raw(const std::vector<Value> &values) {
-    std::vector<kzb_value> result;
-    for (const Value &value : values) result.push_back(value.raw());
-    return result;
-}
-
-void require_sound(bool done, const kzb_error &error) {
-    if (!done && error.status != KZB_ERROR_EXCEPTION && error.status != KZB_ERROR_MEMORY) found(error.message);
-}
-
-int32_t integer(const Value &image, const char *property) {
-    return static_cast<int32_t>(get(image, property).integer());
-}
-
 // The folder of this process, in memory where the system has such a place.
 const std::string &folder() {
     static const std::string path =
@@ -33,60 +19,6 @@ const std::string &folder() {
 }
 
 } // namespace
-
-// --------------------------------------------------------------------------------------------- calls
-
-Value call(const Value &object, const char *method, const std::vector<Value> &arguments) {
-    if (object.is_nil()) return {};
-    kzb_error error = {};
-    kzb_value result = {};
-    const auto values = raw(arguments);
-    require_sound(kzb_call(object.object(), method, values.data(), values.size(), &result, &error), error);
-    return Value::adopt(result);
-}
-
-Value call_static(const char *class_name, const char *method, const std::vector<Value> &arguments) {
-    kzb_error error = {};
-    kzb_value result = {};
-    const auto values = raw(arguments);
-    require_sound(kzb_call_shared(class_name, method, values.data(), values.size(), &result, &error), error);
-    return Value::adopt(result);
-}
-
-void assign(const Value &object, const char *method, const std::vector<Value> &arguments, const Value &value) {
-    if (object.is_nil()) return;
-    kzb_error error = {};
-    const auto values = raw(arguments);
-    const kzb_value assigned = value.raw();
-    require_sound(kzb_assign(object.object(), method, values.data(), values.size(), &assigned, &error), error);
-}
-
-Value get(const Value &object, const char *property) {
-    kzb_error error = {};
-    kzb_value result = {};
-    require_sound(kzb_get(object.object(), property, &result, &error), error);
-    return Value::adopt(result);
-}
-
-void set(const Value &object, const char *property, const Value &value) {
-    if (object.is_nil()) return;
-    kzb_error error = {};
-    const kzb_value assigned = value.raw();
-    require_sound(kzb_set(object.object(), property, &assigned, &error), error);
-}
-
-Shape shape_of(const Value &image) {
-    if (image.is_nil()) return {};
-    return {get(image, "Valid").boolean(), get(image, "IsMapping").boolean(), integer(image, "Width"),
-            integer(image, "Height"),      integer(image, "ImageFormat"),     integer(image, "PixelSize"),
-            integer(image, "RowSize"),     integer(image, "RowOffset")};
-}
-
-int32_t pixel_size(int32_t format) {
-    return format < 1 || format > 21 ? 0 : test::layout(format).pixel_size;
-}
-
-// --------------------------------------------------------------------------------------------- the world
 
 World::World(KZBFunction factory_handler) {
     for (Value &factory : factories) {
@@ -222,14 +154,6 @@ std::vector<Value> World::block_arguments(Feed &feed) {
     return {block(feed, size), width, rows, layout, row_size};
 }
 
-Value World::construct(const std::vector<Value> &arguments) {
-    kzb_error error = {};
-    const auto values = raw(arguments);
-    KZBObject image = kzb_new("PictureKZB", values.data(), values.size(), &error);
-    require_sound(image != nullptr, error);
-    return Value::adopt(image);
-}
-
 void World::paint(const Value &image, uint8_t seed) {
     const Shape shape = shape_of(image);
     if (seed == 0 || !shape.valid || shape.row_size <= 0 || shape.row_size > 8192 || shape.height > largest_side)
@@ -267,23 +191,23 @@ Value World::make_image(Feed &feed) {
     switch (feed.below(11)) {
     case 0:
     case 1:
-        made = construct({side(feed), height(feed), format(feed)});
+        made = new_image({side(feed), height(feed), format(feed)});
         break;
     case 2:
     case 3: {
         const std::vector<Value> arguments = block_arguments(feed);
-        made = construct(arguments);
+        made = new_image(arguments);
         break;
     }
     case 4: {
         const bool alpha = feed.byte() % 2 != 0;
-        made = construct({feed.byte() % 4 == 0 ? picture(feed) : make_picture(feed), alpha});
+        made = new_image({feed.byte() % 4 == 0 ? picture(feed) : make_picture(feed), alpha});
         break;
     }
     case 5:
     case 6: {
         const int32_t width = side(feed), rows = height(feed), layout = format(feed), block_size = feed.integer();
-        made = construct({width, rows, layout, block_size, file(feed)});
+        made = new_image({width, rows, layout, block_size, file(feed)});
         break;
     }
     case 7:
@@ -298,7 +222,7 @@ Value World::make_image(Feed &feed) {
         break;
     }
     default:
-        made = construct({});
+        made = new_image({});
         break;
     }
     if (!made.is_nil()) paint(made, feed.byte());

@@ -3,25 +3,13 @@
 #pragma once
 
 #include "feed.h"
-#include "fixtures/host.h"
+#include "host_calls.h"
 
 #include <array>
 #include <memory>
 #include <vector>
 
 namespace kzb::fuzz {
-
-using test::Value;
-
-// What an image says of itself; zeros for nil.
-struct Shape {
-    bool valid = false, in_file = false;
-    int32_t width = 0, height = 0, format = 0, pixel_size = 0, row_size = 0, row_offset = 0;
-};
-Shape shape_of(const Value &image);
-
-// Bytes of a pixel of a layout; 0 for an unknown one.
-int32_t pixel_size(int32_t format);
 
 class World {
 public:
@@ -70,7 +58,6 @@ public:
 
 private:
     uint8_t *memory(size_t size, uint8_t seed);
-    Value construct(const std::vector<Value> &arguments);
     void paint(const Value &image, uint8_t seed);
 
     struct Memory {
@@ -83,13 +70,5 @@ private:
 // The folder of the files: there from one call to the other. False when something is left in it.
 void open_folder();
 bool close_folder();
-
-// `object.method(arguments)`, whatever it answers; nil when it raised. What the host refuses as the caller's mistake
-// ends the process.
-Value call(const Value &object, const char *method, const std::vector<Value> &arguments);
-Value call_static(const char *class_name, const char *method, const std::vector<Value> &arguments);
-void assign(const Value &object, const char *method, const std::vector<Value> &arguments, const Value &value);
-Value get(const Value &object, const char *property);
-void set(const Value &object, const char *property, const Value &value);
 
 } // namespace kzb::fuzz
