@@ -1,5 +1,6 @@
 #include "command_line.h"
 
+#include "commands.h"
 #include "failure.h"
 #include "runtime/names.h"
 
@@ -14,10 +15,12 @@ namespace kzb::cli {
 
 namespace {
 
-constexpr const char *usage_text = "Usage: kzb INPUT [: STEP [ARGUMENT...]]... -o OUTPUT\n"
-                                   "       kzb list\n"
-                                   "       kzb help [METHOD]\n"
-                                   "       kzb check MODULE.so [CHECK...]\n";
+std::string usage_text() {
+    std::string text = "Usage: kzb INPUT [: STEP [ARGUMENT...]]... -o OUTPUT\n";
+    for (const Command &command : commands())
+        text += std::string("       kzb ") + command.name + " " + command.usage + "\n";
+    return text;
+}
 
 constexpr const char *description_text =
     "kzb reads a picture (PNG, JPEG), sends it through a chain of the methods of PictureKZB, and writes the result.";
@@ -49,7 +52,7 @@ Exit codes
 // CLI11's help with the usage lines of this command.
 class HelpFormatter : public CLI::Formatter {
 public:
-    std::string make_usage(const CLI::App *, std::string) const override { return std::string("\n") + usage_text; }
+    std::string make_usage(const CLI::App *, std::string) const override { return "\n" + usage_text(); }
     std::string make_footer(const CLI::App *app) const override { return app->get_footer(); }
 };
 
@@ -109,8 +112,6 @@ public:
         }
         return std::nullopt;
     }
-
-    std::string help() const { return app_.help(); }
 
 private:
     CLI::App app_{description_text};
@@ -185,26 +186,8 @@ CommandLine parse_command_line(int argc, const char *const *argv) {
     Options options(line);
     const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     SortedWords sorted = sort_words(words, options);
-    const auto print = [&](const std::string &text) {
-        line.command = Command::text;
-        line.text = text;
-        return line;
-    };
-    if (const auto text = options.bind(sorted.options)) return print(*text);
-
-    // A chain's first word is a file, whatever its name.
-    const bool chain = !sorted.steps.empty() || !line.output.empty() || sorted.plain.empty();
-    if (!chain && sorted.plain[0] == "help") {
-        if (sorted.plain.size() == 1) return print(options.help());
-        if (sorted.plain.size() > 2) fail(Exit::usage, "'kzb help' explains one METHOD at a time");
-        line.command = Command::help_on;
-        line.subject = sorted.plain[1];
-        return line;
-    }
-    if (!chain && sorted.plain[0] == "list") {
-        if (sorted.plain.size() > 1)
-            fail(Exit::usage, "'kzb list' takes nothing; 'kzb help " + sorted.plain[1] + "' explains one method");
-        line.command = Command::list;
+    if (const auto text = options.bind(sorted.options)) {
+        line.text = *text;
         return line;
     }
     check_chain(sorted, line);

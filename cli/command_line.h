@@ -7,18 +7,10 @@
 
 namespace kzb::cli {
 
-enum class Command {
-    chain,   // send INPUT through the steps
-    list,    // name the methods
-    help_on, // explain the method named by `subject`
-    text     // print `text` and be done
-};
-
 struct CommandLine {
-    Command command = Command::chain;
-    std::string subject; // INPUT or METHOD
+    std::string subject; // INPUT
     std::vector<std::vector<std::string>> steps;
-    std::string text;
+    std::string text; // not empty: to be printed, and nothing else
 
     std::string output;
     std::string module; // empty: look in the usual places

@@ -1,45 +1,23 @@
 #include "help.h"
 
-#include "argument_text.h"
-#include "failure.h"
-#include "method_notes.h"
+#include "guide.h"
+#include "text.h"
+
+#include "cli/argument_text.h"
+#include "cli/command_line.h"
+#include "cli/command_options.h"
+#include "cli/failure.h"
+#include "cli/module_file.h"
+#include "cli/notes/method_notes.h"
+#include "cli/standard_output.h"
 #include "runtime/names.h"
 
 #include <algorithm>
 #include <set>
 
-namespace kzb::cli {
+namespace kzb::cli::guide {
 
 namespace {
-
-constexpr size_t line_width = 100;
-
-bool can_be_step(const Method &method) {
-    return std::any_of(method.forms.begin(), method.forms.end(),
-                       [](const Form &form) { return form.obstacle().empty(); });
-}
-
-std::string padded(std::string text, size_t width) {
-    text.resize(std::max(width, text.size() + 1), ' ');
-    return text;
-}
-
-// Words in lines of a bearable length, each begun with `indent` spaces.
-std::string wrapped(std::string_view text, size_t indent) {
-    std::string lines;
-    std::string line(indent, ' ');
-    while (!text.empty()) {
-        const std::string_view word = text.substr(0, text.find(' '));
-        if (line.size() > indent && line.size() + 1 + word.size() > line_width) {
-            lines += line + "\n";
-            line.assign(indent, ' ');
-        }
-        if (line.size() > indent) line += ' ';
-        line += word;
-        text.remove_prefix(std::min(text.size(), word.size() + 1));
-    }
-    return lines + line + "\n";
-}
 
 // Lines of a section, each told once.
 class Section {
@@ -107,32 +85,6 @@ std::string constants_text(const Method &method, const Catalogue &catalogue) {
 
 } // namespace
 
-std::string list_text(const Catalogue &catalogue) {
-    size_t width = 0;
-    for (const Method &method : catalogue.methods()) width = std::max(width, method.name.size() + 2);
-    std::string text = "The methods of PictureKZB. 'kzb help METHOD' explains one; those marked * are for programs and "
-                       "cannot be steps.\n";
-    std::set<std::string> listed;
-    const auto add = [&](const Method &method, const char *sentence) {
-        listed.insert(method.name);
-        return std::string(can_be_step(method) ? "  " : "* ") + padded(method.name, width) + sentence + "\n";
-    };
-    const auto add_family = [&](const char *title, const std::string &lines) {
-        if (!lines.empty()) text += std::string("\n") + title + "\n" + lines;
-    };
-    for (const Family &family : families()) {
-        std::string lines;
-        for (const MethodNote &note : family.methods)
-            if (const Method *method = catalogue.method(note.name)) lines += add(*method, note.sentence);
-        add_family(family.title, lines);
-    }
-    std::string others;
-    for (const Method &method : catalogue.methods())
-        if (!listed.contains(method.name)) others += add(method, "");
-    add_family("Others", others);
-    return text;
-}
-
 std::string help_text(const std::string &name, const Catalogue &catalogue) {
     const Method *method = catalogue.method(name);
     if (method == nullptr) {
@@ -168,4 +120,22 @@ std::string help_text(const std::string &name, const Catalogue &catalogue) {
     return text + constants_text(*method, catalogue) + declared.text();
 }
 
-} // namespace kzb::cli
+Exit run_help(const Words &words) {
+    std::string subject;
+    CommandOptions options("help",
+                           "kzb help METHOD explains one method of PictureKZB: what it does, how it is written as "
+                           "a step, its\narguments and an example. Without METHOD it explains kzb itself.");
+    options.take("METHOD", subject, "A method, as 'kzb list' names them, or a command of kzb");
+    if (!options.parse(words)) return Exit::done;
+    if (subject.empty()) {
+        const char *const ask[] = {"kzb", "--help"};
+        print(parse_command_line(2, ask).text);
+        return Exit::done;
+    }
+    for (const Command &command : commands())
+        if (subject == command.name) return command.run({"--help"});
+    print(help_text(subject, load_module(options.module).catalogue));
+    return Exit::done;
+}
+
+} // namespace kzb::cli::guide

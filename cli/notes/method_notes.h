@@ -8,8 +8,9 @@ namespace kzb::cli {
 
 struct MethodNote {
     const char *name;
-    const char *sentence; // one line, for the list
-    const char *remark;   // what a user of a chain should know besides; nil: nothing
+    const char *sentence;  // one line, for the list
+    const char *remark;    // what a user of a chain should know besides; nil: nothing
+    const char *also = ""; // further words under which the list finds it
 };
 
 struct Family {

@@ -1,0 +1,13 @@
+// The commands that help to find one's way. Each takes the words after its name, prints to stdout and gives the exit
+// code; each throws a Failure, of Exit::usage for words that make no sense.
+#pragma once
+
+#include "cli/commands.h"
+
+namespace kzb::cli::guide {
+
+// `kzb list [WORD]` and `kzb help [METHOD]`.
+Exit run_list(const Words &words);
+Exit run_help(const Words &words);
+
+} // namespace kzb::cli::guide
