@@ -5,7 +5,8 @@ packages=(
     g++ cmake ninja-build pkg-config
     libffi-dev libpixman-1-dev libpng-dev libjpeg62-turbo-dev
     libcli11-dev
-    libgtest-dev nlohmann-json3-dev
+    dpkg-dev file groff-base
+    libgtest-dev nlohmann-json3-dev zsh fish
 )
 
 say() { printf '%s\n' "$*"; }

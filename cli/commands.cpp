@@ -12,7 +12,12 @@ namespace {
 constexpr Command all_commands[] = {
     {"list", "[WORD]", "Names the methods by family, or those that have to do with WORD", false, guide::run_list},
     {"help", "[METHOD]", "Explains one method, or kzb itself", false, guide::run_help},
+    {"info", "[--json]", "Shows the module's classes, properties and constants", false, guide::run_info},
     {"check", "MODULE.so [CHECK...]", "Looks at a module from all sides", false, check::run_check},
+    {"completion", "[SHELL]", "Prints the completion for bash, zsh or fish, or how to install it", false,
+     guide::run_completion},
+    {"reference", "", "Prints the reference of all classes as Markdown", false, guide::run_reference},
+    {"manual", "", "Prints the manual page, for 'man -l -'", false, guide::run_manual},
 };
 
 // Where a command's name stands: at the start, or after --module FILE.
