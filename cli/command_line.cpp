@@ -71,7 +71,7 @@ public:
         app_.add_option("--max-pixels", line.max_pixels, "Refuse an input of more pixels than this")
             ->type_name("N")
             ->check(CLI::Range(int64_t{1}, int64_t{INT32_MAX}).description(""));
-        app_.add_option("--module", line.module, "The module; else PictureKZB.so beside kzb or in ../lib")
+        app_.add_option("--module", line.module, "The module; else PictureKZB.so beside kzb or where it was installed")
             ->type_name("FILE");
         app_.add_flag("-v,--verbose", line.verbose, "Tell on stderr what each step did and how long it took");
         app_.add_flag("-q,--quiet", line.quiet, "Print errors only, no notes");

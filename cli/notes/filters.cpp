@@ -57,10 +57,11 @@ constexpr MethodNote dither[] = {
      .sentence = "Reduces each channel to a few levels in a pattern of dots.",
      .also = "halftone posterize raster print",
      .remark =
-         "The levels come out inverted, dark for light; Invert afterwards turns them back. Alpha is dithered too: "
-         "CopyPicture before it leaves alpha behind. With other levels, or an unknown matrix, the new picture "
-         "stays empty.",
-     .example = "kzb photo.jpg : DitherFilter DitherOrdered8x8Matrix 2 : Invert -o dots.png",
+         "The levels come out inverted, dark for light; Invert afterwards turns them back. The cluster patterns make "
+         "all that is brighter than the middle white, Ordered6x6 and Ordered8x8 make nothing quite white. Alpha is "
+         "dithered too: CopyPicture before it leaves alpha behind. With other levels, or an unknown matrix, the new "
+         "picture stays empty.",
+     .example = "kzb photo.jpg : DitherFilter DitherOrdered4x4Matrix 2 : Invert -o dots.png",
      .arguments = {{"matrix", "the pattern: one of the constants"}, {"levels", "2 to 256 levels for each channel"}}},
 };
 
@@ -96,9 +97,10 @@ constexpr MethodNote effects[] = {
      .sentence = "Blurs, then pushes each channel to that of one of two colours, with a soft edge between.",
      .also = "threshold two colours print",
      .remark =
-         "The alpha of the new picture is left at 0: transparent; CopyPicture before it leaves alpha behind. A dest "
+         "Each channel goes to its own part of the two colours: on gray made coloured, as by CopyPicture of a channel, "
+         "the result has two clean colours, else up to eight. The alpha of the new picture is left at 0: transparent; CopyPicture before it leaves alpha behind. A dest "
          "receives only the first blur; the result is always a new picture.",
-     .example = "kzb photo.jpg : StampFilter 6 0.5 0.2 '#203050' '#FFE0B0' -o stamp.jpg",
+     .example = "kzb photo.jpg : GreenChannel : CopyPicture : StampFilter 6 0.5 0.2 '#203050' '#FFE0B0' -o stamp.jpg",
      .arguments = {{"radius", "0 and more pixels of blur; below 3 there is none"},
                    {"threshold", "0 to 1: the level between Black and White"},
                    {"softness", "0, a hard edge, to 1"},

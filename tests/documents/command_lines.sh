@@ -11,9 +11,15 @@ trap 'rm -rf "$folder"' EXIT
 cd "$folder"
 ln -s "$build" build
 PATH=$build:$PATH
-mkdir out
-sample_photograph photo.png 96 60
-kzb --quiet photo.png : CopyPicture -o photo.jpg
+mkdir out pictures
+# A page with a photograph of its own is about pictures of that size.
+if [[ -f $(dirname "$page")/photo.jpg ]]; then
+    cp "$(dirname "$page")/photo.jpg" photo.jpg
+    sample_photograph photo.png 400 250
+else
+    sample_photograph photo.png 96 60
+    kzb --quiet photo.png : CopyPicture -o photo.jpg
+fi
 # The README's own picture is that of ./run.
 grep -q out/sample.png "$page" && sample_photograph out/sample.png 1280 800
 
