@@ -22,9 +22,6 @@ void move_runs(uint8_t *target, ptrdiff_t target_step, const uint8_t *source, pt
 void move_transposed(const Grid<uint8_t> &target, const Grid<const uint8_t> &source, size_t rows, size_t columns,
                      size_t bytes);
 
-// Swaps first[i] and last[-i] for i below count, `bytes` bytes each.
-void swap_runs(uint8_t *first, uint8_t *last, ptrdiff_t step, size_t count, size_t bytes);
-
 // target[i] = the `bytes` bytes at value, for i below count.
 void fill_runs(uint8_t *target, ptrdiff_t step, const uint8_t *value, size_t count, size_t bytes);
 
