@@ -1,10 +1,8 @@
 #include "kernels/look_up.h"
 
-#include <cstring>
+#include "kernels/shuffle.h"
 
-#ifdef KZB_X86
-#include <immintrin.h>
-#endif
+#include <cstring>
 
 namespace kzb::kernels {
 
@@ -98,26 +96,41 @@ KZB_TARGET_AVX512 inline __m512i looked_up(const LongTable &table, __m512i bytes
     return _mm512_mask_blend_epi8(_mm512_movepi8_mask(bytes), low, high);
 }
 
-template <size_t table_count>
-KZB_TARGET_AVX512 void look_up_lanes(uint8_t *target, const uint8_t *source, const PixelTables &of, size_t bytes) {
-    LongTable tables[table_count];
-    uint64_t marked[table_count][3];
+// The tables of a row, each for the bytes that are marked in three registers.
+template <size_t count> struct MarkedTables {
+    LongTable tables[count];
+    uint64_t marked[count][3];
     uint64_t all[3] = {};
-    for (size_t t = 0; t < table_count; ++t) {
-        for (size_t i = 0; i < 4; ++i) tables[t].parts[i] = _mm512_loadu_si512(of.table(t) + 64 * i);
-        for (size_t phase = 0; phase < 3; ++phase) {
-            marked[t][phase] = _mm512_movepi8_mask(_mm512_loadu_si512(of.lanes(t) + 64 * phase));
-            all[phase] |= marked[t][phase];
+
+    KZB_TARGET_AVX512 explicit MarkedTables(const PixelTables &of) {
+        for (size_t t = 0; t < count; ++t) {
+            for (size_t i = 0; i < 4; ++i) tables[t].parts[i] = _mm512_loadu_si512(of.table(t) + 64 * i);
+            for (size_t phase = 0; phase < 3; ++phase) {
+                marked[t][phase] = _mm512_movepi8_mask(_mm512_loadu_si512(of.lanes(t) + 64 * phase));
+                all[phase] |= marked[t][phase];
+            }
         }
     }
-    for (size_t phase = 0, at = 0; at < bytes; at += 64, phase = phase == 2 ? 0 : phase + 1) {
-        const uint64_t inside = bytes - at < 64 ? (uint64_t{1} << (bytes - at)) - 1 : ~uint64_t{0};
-        const uint64_t written = all[phase] & inside;
-        const __m512i read = _mm512_maskz_loadu_epi8(written, source + at);
-        __m512i result = looked_up(tables[0], read);
-        for (size_t t = 1; t < table_count; ++t)
-            result = _mm512_mask_blend_epi8(marked[t][phase], result, looked_up(tables[t], read));
-        _mm512_mask_storeu_epi8(target + at, written, result);
+
+    KZB_TARGET_AVX512 __m512i operator()(__m512i bytes, size_t phase) const {
+        __m512i result = looked_up(tables[0], bytes);
+        for (size_t t = 1; t < count; ++t)
+            result = _mm512_mask_blend_epi8(marked[t][phase], result, looked_up(tables[t], bytes));
+        return result;
+    }
+};
+
+template <size_t table_count>
+KZB_TARGET_AVX512 void look_up_marked(uint8_t *target, const uint8_t *source, const PixelTables &of, size_t bytes) {
+    const MarkedTables<table_count> tables(of);
+    // Up to the first byte of the last pixel.
+    const size_t inside = bytes < of.step() ? 0 : bytes - of.step() + 1;
+    size_t at = 0, phase = 0;
+    for (; at + 64 <= inside; at += 64, phase = phase == 2 ? 0 : phase + 1)
+        store_over(target + at, tables.all[phase], tables(_mm512_loadu_si512(source + at), phase));
+    for (; at < bytes; at += 64, phase = phase == 2 ? 0 : phase + 1) {
+        const uint64_t written = tables.all[phase] & lowest_bits(bytes - at);
+        _mm512_mask_storeu_epi8(target + at, written, tables(_mm512_maskz_loadu_epi8(written, source + at), phase));
     }
 }
 
@@ -126,13 +139,13 @@ KZB_TARGET_AVX512 void look_up_pixels_avx512(uint8_t *target, const uint8_t *sou
     const size_t bytes = count * tables.step();
     switch (tables.count()) {
     case 1:
-        return look_up_lanes<1>(target, source, tables, bytes);
+        return look_up_marked<1>(target, source, tables, bytes);
     case 2:
-        return look_up_lanes<2>(target, source, tables, bytes);
+        return look_up_marked<2>(target, source, tables, bytes);
     case 3:
-        return look_up_lanes<3>(target, source, tables, bytes);
+        return look_up_marked<3>(target, source, tables, bytes);
     case 4:
-        return look_up_lanes<4>(target, source, tables, bytes);
+        return look_up_marked<4>(target, source, tables, bytes);
     default:
         return;
     }

@@ -55,30 +55,40 @@ KZB_TARGET_AVX512 void permute_avx512(uint8_t *target, const uint8_t *source, co
     const size_t n = shuffle.pixels, to_step = permutation.to_step, from_step = permutation.from_step;
     const auto step = permutation.reversed ? -static_cast<ptrdiff_t>(from_step) : static_cast<ptrdiff_t>(from_step);
     if (permutation.reversed) source -= (n - 1) * from_step;
-    uint64_t read = shuffle.read_mask, written = shuffle.written_mask;
     for (size_t done = 0; done < count; done += n) {
-        if (count - done < n) {
-            const size_t left = count - done;
-            read &= permutation.reversed ? ~lowest_bits((n - left) * from_step) : lowest_bits(left * from_step);
-            written &= lowest_bits(left * to_step);
+        const size_t left = count - done;
+        const uint8_t *from = source + static_cast<ptrdiff_t>(done) * step;
+        uint8_t *to = target + done * to_step;
+        // Whether both registers lie between the first bytes of the first and of the last pixel.
+        const size_t beside = permutation.reversed ? done + n - 1 : left - 1;
+        if (left > n && (left - 1) * to_step >= 63 && beside * from_step >= 63) {
+            // Processors foresee less of a row that is read downwards.
+            if (permutation.reversed) _mm_prefetch(reinterpret_cast<const char *>(from - 1024), _MM_HINT_T0);
+            store_over(to, shuffle.written_mask, shuffle(_mm512_loadu_si512(from)));
+        } else {
+            const size_t pixels = std::min(left, n);
+            const uint64_t read =
+                permutation.reversed ? ~lowest_bits((n - pixels) * from_step) : lowest_bits(pixels * from_step);
+            _mm512_mask_storeu_epi8(to, shuffle.written_mask & lowest_bits(pixels * to_step),
+                                    shuffle(_mm512_maskz_loadu_epi8(shuffle.read_mask & read, from)));
         }
-        const __m512i bytes = _mm512_maskz_loadu_epi8(read, source + static_cast<ptrdiff_t>(done) * step);
-        _mm512_mask_storeu_epi8(target + done * to_step, written,
-                                _mm512_xor_si512(_mm512_permutexvar_epi8(shuffle.index, bytes), shuffle.flip));
     }
 }
 
 // Reversed registers of both ends change places; the middle is left to the plain loop.
 KZB_TARGET_AVX512 void reverse_avx512(uint8_t *pixels, size_t step, size_t bytes, size_t count) {
+    if (count < 2) return;
     const Shuffle512 shuffle(leading_bytes(step, step, bytes, true));
     const size_t n = shuffle.pixels;
-    uint8_t *last = pixels + count * step;
-    for (; count >= 2 * n; count -= 2 * n, pixels += n * step) {
+    uint8_t *last = pixels + (count - 1) * step;
+    // Registers may reach into the last pixel, so that it goes first.
+    for (size_t k = 0; k < bytes; ++k) std::swap(pixels[k], last[k]);
+    pixels += step;
+    for (count -= 2; count * step >= 2 * n * step + 64; count -= 2 * n, pixels += n * step) {
         last -= n * step;
-        const __m512i front = _mm512_maskz_loadu_epi8(shuffle.read_mask, pixels);
-        const __m512i back = _mm512_maskz_loadu_epi8(shuffle.read_mask, last);
-        _mm512_mask_storeu_epi8(pixels, shuffle.written_mask, _mm512_permutexvar_epi8(shuffle.index, back));
-        _mm512_mask_storeu_epi8(last, shuffle.written_mask, _mm512_permutexvar_epi8(shuffle.index, front));
+        const __m512i front = _mm512_loadu_si512(pixels), back = _mm512_loadu_si512(last);
+        store_over(pixels, shuffle.written_mask, shuffle(back));
+        store_over(last, shuffle.written_mask, shuffle(front));
     }
     reverse_plainly(pixels, step, bytes, count);
 }
@@ -91,7 +101,7 @@ KZB_TARGET_AVX2 void reverse_avx2(uint8_t *pixels, size_t step, size_t bytes, si
     // Registers may reach into the last pixel, so that it goes first.
     for (size_t k = 0; k < bytes; ++k) std::swap(pixels[k], last[k]);
     pixels += step;
-    for (count -= 2; count >= 2 * n + 16; count -= 2 * n, pixels += n * step) {
+    for (count -= 2; count * step >= 2 * n * step + 16; count -= 2 * n, pixels += n * step) {
         last -= n * step;
         const __m128i front = load(pixels), back = load(last);
         store(pixels, shuffle(front, back));

@@ -77,8 +77,12 @@ KZB_TARGET_AVX512 void weigh_avx512(uint8_t *target, const uint8_t *source, cons
                               _mm512_set1_epi32(only_blue)));
         const __m512i bytes = _mm512_or_si512(_mm512_srli_epi32(sums, 8),
                                               _mm512_maskz_permutexvar_epi8(alpha.written_mask, alpha.index, pixels));
-        _mm512_mask_storeu_epi8(target, out.written_mask & lowest_bits(n * weighing.to_step),
-                                _mm512_xor_si512(_mm512_permutexvar_epi8(out.index, bytes), out.flip));
+        const __m512i result = out(bytes);
+        const uint64_t written = out.written_mask & lowest_bits(n * weighing.to_step);
+        if (written == 0xffff)
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(target), _mm512_castsi512_si128(result));
+        else
+            _mm512_mask_storeu_epi8(target, written, result);
         target += n * weighing.to_step;
         source += n * weighing.from_step;
         count -= n;
