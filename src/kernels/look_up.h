@@ -10,8 +10,8 @@ namespace kzb::kernels {
 void look_up(uint8_t *target, size_t target_step, const uint8_t *source, size_t source_step, const uint8_t *table,
              size_t count);
 
-// target[i * target_step] = table[256 * target[i * target_step] + source[i * source_step]] for i below count. Target and
-// source may be the same bytes.
+// target[i * target_step] = table[256 * target[i * target_step] + source[i * source_step]] for i below count. Target
+// and source may be the same bytes.
 void look_up_pairs(uint8_t *target, size_t target_step, const uint8_t *source, size_t source_step, const uint8_t *table,
                    size_t count);
 

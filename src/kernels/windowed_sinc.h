@@ -1,0 +1,37 @@
+// The weights of the windowed filters, many at a time.
+#pragma once
+
+#include "kernels/sine_series.h"
+
+#include <cmath>
+#include <cstddef>
+#include <numbers>
+
+namespace kzb::kernels {
+
+// Weights are made eight at a time.
+inline constexpr size_t weights_together = 8;
+
+// sin(πt) / (πt)
+inline double sinc(double t) {
+    const double angle = std::numbers::pi * t;
+    const double ratio = sine_of(angle, 0).high / angle;
+    return t == 0 ? 1.0 : ratio;
+}
+
+// sinc(x) sinc(x / reach) for distances below `reach`, which is at most 1000; 0 elsewhere.
+inline double windowed_sinc(double distance, double reach) {
+    const double x = std::abs(distance);
+    const double weight = sinc(x) * sinc(x / reach);
+    return x < reach ? weight : 0.0;
+}
+
+// Replaces distances, of magnitude at most 1000, by their weights; `count` is a multiple of weights_together.
+void windowed_sincs(double *distances, double reach, size_t count);
+
+inline void windowed_sincs_loop(double *distances, double reach, size_t count) {
+    for (size_t i = 0; i < count; i += weights_together)
+        for (size_t k = 0; k < weights_together; ++k) distances[i + k] = windowed_sinc(distances[i + k], reach);
+}
+
+} // namespace kzb::kernels
