@@ -10,16 +10,11 @@ namespace {
 // Calls body(std::integral_constant<size_t, bytes>), so that a run's length is known to the compiler.
 template <class Body> void for_length(size_t bytes, Body body) {
     switch (bytes) {
-    case 1:
-        return body(std::integral_constant<size_t, 1>());
-    case 2:
-        return body(std::integral_constant<size_t, 2>());
-    case 3:
-        return body(std::integral_constant<size_t, 3>());
-    case 4:
-        return body(std::integral_constant<size_t, 4>());
-    default:
-        return;
+    case 1: return body(std::integral_constant<size_t, 1>());
+    case 2: return body(std::integral_constant<size_t, 2>());
+    case 3: return body(std::integral_constant<size_t, 3>());
+    case 4: return body(std::integral_constant<size_t, 4>());
+    default: return;
     }
 }
 

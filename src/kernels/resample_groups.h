@@ -6,6 +6,7 @@
 #pragma once
 
 #include "kernels/resample.h"
+#include "kernels/row_function.h"
 
 #include <array>
 
@@ -32,22 +33,27 @@ struct RowGroup {
 };
 
 // columns[(x * lanes + channel) * 8 + row] for the `count` pixels from `start` of the rows; x counts from 0.
-void gather_columns(double *columns, size_t lanes, const RowGroup &group, size_t start, size_t count);
+extern const RowFunction<void(double *columns, size_t lanes, const RowGroup &group, size_t start, size_t count)>
+    gather_columns;
 
 // The means, not yet clamped, of `count` lists over columns whose first is input pixel `first`. Lane by lane, eight
 // values each: means[(i * channels + channel) * 8 + row], those of the next eight rows `group_size` values later.
-void weigh_columns(float *means, size_t group_size, const double *columns, int32_t first, size_t channels,
-                   const ContributionList *lists, size_t count);
+extern const RowFunction<void(float *means, size_t group_size, const double *columns, int32_t first, size_t channels,
+                              const ContributionList *lists, size_t count)>
+    weigh_columns;
 
 // rows[r][i] = means[i * 8 + r], clamped to 0..255, for i below count rounded up to a multiple of 8.
-void deal_means(const std::array<double *, rows_together> &rows, const float *means, size_t count);
+extern const RowFunction<void(const std::array<double *, rows_together> &rows, const float *means, size_t count)>
+    deal_means;
 
 // bytes[i] = the clamped, truncated mean of the list over rows[k][start + i], for i below count. The rows are read up
 // to a multiple of block_of_values.
-void mean_of_rows(uint8_t *bytes, const double *const *rows, size_t start, const ContributionList &list, size_t count);
+extern const RowFunction<void(uint8_t *bytes, const double *const *rows, size_t start, const ContributionList &list,
+                              size_t count)>
+    mean_of_rows;
 
 // The working pixels of a row of doubles that hold floats' values; `channels` as in the source: gray; gray and alpha;
 // red, green and blue; all four.
-void write_working_pixels(uint8_t *target, const double *row, size_t channels, size_t count);
+extern const RowFunction<void(uint8_t *target, const double *row, size_t channels, size_t count)> write_working_pixels;
 
 } // namespace kzb::kernels

@@ -14,20 +14,18 @@
 
 namespace kzb::kernels {
 
-#define KZB_AVX512 [[gnu::target("avx2,fma,avx512f,avx512bw,avx512dq,avx512vl,avx512vbmi")]]
-
 namespace {
 
 struct Quotient {
     __m512d value, reciprocal, rest;
 };
 
-KZB_AVX512 inline Quotient quotient_by(const Divisor &divisor) {
+KZB_TARGET_AVX512 inline Quotient quotient_by(const Divisor &divisor) {
     return {_mm512_set1_pd(divisor.value), _mm512_set1_pd(divisor.reciprocal), _mm512_set1_pd(divisor.rest)};
 }
 
 // fused_quotient of eight.
-KZB_AVX512 inline __m512d divide(__m512d dividend, const Quotient &by) {
+KZB_TARGET_AVX512 inline __m512d divide(__m512d dividend, const Quotient &by) {
     const __m512d estimate = _mm512_fmadd_pd(dividend, by.reciprocal, _mm512_mul_pd(dividend, by.rest));
     const __m512d remainder = _mm512_fnmadd_pd(by.value, estimate, dividend);
     return _mm512_fmadd_pd(remainder, by.reciprocal, estimate);
@@ -39,11 +37,12 @@ constexpr size_t bytes_at_once(size_t pixel_size) {
 }
 
 // Register k's 16-byte quarter q then holds the units 16 q + 2 k and 16 q + 2 k + 1.
-KZB_AVX512 inline void interleave(__m512i *units, const RowGroup &group, size_t start, __mmask64 present) {
+KZB_TARGET_AVX512 inline void interleave(__m512i *units, const RowGroup &group, size_t start, __mmask64 present) {
     __m512i rows[rows_together], pairs[rows_together], quads[rows_together];
     for (size_t r = 0; r < rows_together; ++r) {
         rows[r] = _mm512_maskz_loadu_epi8(present, group.rows[r] + start);
-        _mm_prefetch(reinterpret_cast<const char *>(group.rows[r] + start + group.ahead), _MM_HINT_T1);
+        const uintptr_t next = reinterpret_cast<uintptr_t>(group.rows[r]) + start + static_cast<uintptr_t>(group.ahead);
+        _mm_prefetch(reinterpret_cast<const char *>(next), _MM_HINT_T1);
     }
     for (size_t r = 0; r < 4; ++r) {
         pairs[r] = _mm512_unpacklo_epi8(rows[2 * r], rows[2 * r + 1]);
@@ -61,20 +60,20 @@ KZB_AVX512 inline void interleave(__m512i *units, const RowGroup &group, size_t 
 }
 
 // The indices that spread unit `unit` of a register over eight quadwords.
-KZB_AVX512 inline __m512i spread_of(size_t unit) {
+KZB_TARGET_AVX512 inline __m512i spread_of(size_t unit) {
     const __m512i lanes = _mm512_set_epi64(7, 6, 5, 4, 3, 2, 1, 0);
     return _mm512_add_epi64(lanes, _mm512_set1_epi64(static_cast<int64_t>(unit * 8)));
 }
 
 constexpr __mmask64 lowest_of_quadwords = 0x0101010101010101;
 
-KZB_AVX512 inline __m512d widened(__m512i units, size_t unit) {
+KZB_TARGET_AVX512 inline __m512d widened(__m512i units, size_t unit) {
     return _mm512_cvtepi64_pd(_mm512_maskz_permutexvar_epi8(lowest_of_quadwords, spread_of(unit), units));
 }
 
 template <size_t channels>
-KZB_AVX512 inline void weigh_columns_of_avx512(float *means, size_t group_size, const double *columns, int32_t first,
-                                               const ContributionList *lists, size_t count) {
+KZB_TARGET_AVX512 inline void weigh_columns_of_avx512(float *means, size_t group_size, const double *columns,
+                                                      int32_t first, const ContributionList *lists, size_t count) {
     constexpr size_t lanes = lanes_for(channels);
     for (; count != 0; --count, ++lists, means += channels * rows_together) {
         const double *column = columns + static_cast<size_t>(lists->first - first) * (lanes * rows_together);
@@ -96,8 +95,8 @@ KZB_AVX512 inline void weigh_columns_of_avx512(float *means, size_t group_size, 
 
 } // namespace
 
-KZB_AVX512 void gather_columns_avx512(double *columns, size_t lanes, const RowGroup &group, size_t start,
-                                      size_t count) {
+KZB_TARGET_AVX512 void gather_columns_avx512(double *columns, size_t lanes, const RowGroup &group, size_t start,
+                                             size_t count) {
     const size_t pixel_size = group.pixel_size;
     if (group.mixes_gray) return gather_columns_loop(columns, lanes, group, start, count);
     const size_t last_byte = *std::max_element(group.offsets.begin(), group.offsets.end());
@@ -131,15 +130,16 @@ KZB_AVX512 void gather_columns_avx512(double *columns, size_t lanes, const RowGr
     }
 }
 
-KZB_AVX512 void weigh_columns_avx512(float *means, size_t group_size, const double *columns, int32_t first,
-                                     size_t channels, const ContributionList *lists, size_t count) {
+KZB_TARGET_AVX512 void weigh_columns_avx512(float *means, size_t group_size, const double *columns, int32_t first,
+                                            size_t channels, const ContributionList *lists, size_t count) {
     if (channels == 1) weigh_columns_of_avx512<1>(means, group_size, columns, first, lists, count);
     if (channels == 2) weigh_columns_of_avx512<2>(means, group_size, columns, first, lists, count);
     if (channels == 3) weigh_columns_of_avx512<3>(means, group_size, columns, first, lists, count);
     if (channels == 4) weigh_columns_of_avx512<4>(means, group_size, columns, first, lists, count);
 }
 
-KZB_AVX512 void deal_means_avx512(const std::array<double *, rows_together> &rows, const float *means, size_t count) {
+KZB_TARGET_AVX512 void deal_means_avx512(const std::array<double *, rows_together> &rows, const float *means,
+                                         size_t count) {
     const __m512 zero = _mm512_setzero_ps(), most = _mm512_set1_ps(255);
     // From two registers of two lanes each: rows 0 to 3, or 4 to 7, of all four lanes.
     const __m512i low = _mm512_set_epi32(27, 19, 11, 3, 26, 18, 10, 2, 25, 17, 9, 1, 24, 16, 8, 0);
@@ -163,8 +163,8 @@ KZB_AVX512 void deal_means_avx512(const std::array<double *, rows_together> &row
     }
 }
 
-KZB_AVX512 void mean_of_rows_avx512(uint8_t *bytes, const double *const *rows, size_t start,
-                                    const ContributionList &list, size_t count) {
+KZB_TARGET_AVX512 void mean_of_rows_avx512(uint8_t *bytes, const double *const *rows, size_t start,
+                                           const ContributionList &list, size_t count) {
     const Quotient by = quotient_by(list.divisor);
     const __m256i in_order = _mm256_set_epi32(7, 3, 6, 2, 5, 1, 4, 0);
     for (size_t i = 0; i < count; i += 32) {

@@ -1,6 +1,7 @@
 // The weights of the windowed filters, many at a time.
 #pragma once
 
+#include "kernels/row_function.h"
 #include "kernels/sine_series.h"
 
 #include <cmath>
@@ -27,11 +28,6 @@ inline double windowed_sinc(double distance, double reach) {
 }
 
 // Replaces distances, of magnitude at most 1000, by their weights; `count` is a multiple of weights_together.
-void windowed_sincs(double *distances, double reach, size_t count);
-
-inline void windowed_sincs_loop(double *distances, double reach, size_t count) {
-    for (size_t i = 0; i < count; i += weights_together)
-        for (size_t k = 0; k < weights_together; ++k) distances[i + k] = windowed_sinc(distances[i + k], reach);
-}
+extern const RowFunction<void(double *distances, double reach, size_t count)> windowed_sincs;
 
 } // namespace kzb::kernels
