@@ -93,7 +93,7 @@ TEST_P(ResampleGroups, ColumnsAreTheRowsBytesSideBySide) {
 TEST_P(ResampleGroups, MeansAreQuotientsOfSumsInOrder) {
     for (size_t channels = 1; channels <= 4; ++channels)
         for (size_t count : {1, 2, 5, 40}) {
-            const size_t lanes = lanes_for(channels), values = lanes * together, width = 60;
+            const size_t lanes = lanes_for(channels), values = lanes * together, width = 70;
             std::vector<double> columns(width * values);
             for (double &value : columns) value = number(0, 1) < 0.1 ? 0 : byte();
             std::vector<ContributionList> lists;
