@@ -2,6 +2,7 @@
 
 #include "check/command.h"
 #include "guide/guide.h"
+#include "show/show.h"
 
 #include <algorithm>
 
@@ -13,6 +14,9 @@ constexpr Command all_commands[] = {
     {"list", "[WORD]", "Names the methods by family, or those that have to do with WORD", false, guide::run_list},
     {"help", "[METHOD]", "Explains one method, or kzb itself", false, guide::run_help},
     {"info", "[--json]", "Shows the module's classes, properties and constants", false, guide::run_info},
+#ifdef KZB_SHOW
+    {"show", "FILE", "Draws a picture in the terminal", false, run_show},
+#endif
     {"check", "MODULE.so [CHECK...]", "Looks at a module from all sides", false, check::run_check},
     {"completion", "[SHELL]", "Prints the completion for bash, zsh or fish, or how to install it", false,
      guide::run_completion},
