@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "check/command.h"
+#include "gallery/gallery.h"
 #include "guide/guide.h"
 #include "show/show.h"
 
@@ -14,6 +15,7 @@ constexpr Command all_commands[] = {
     {"list", "[WORD]", "Names the methods by family, or those that have to do with WORD", false, guide::run_list},
     {"help", "[METHOD]", "Explains one method, or kzb itself", false, guide::run_help},
     {"info", "[--json]", "Shows the module's classes, properties and constants", false, guide::run_info},
+    {"gallery", "INPUT -o DIR", "Makes a page that shows what every method makes of a picture", true, run_gallery},
 #ifdef KZB_SHOW
     {"show", "FILE", "Draws a picture in the terminal", false, run_show},
 #endif
