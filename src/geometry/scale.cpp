@@ -40,7 +40,10 @@ bool resample(ImageRecord &source, ImageRecord &temp, ImageRecord &destination, 
             if (!pass.make_row(y) || !images.pace()) return false;
     }
     Contributions rows(kernel, height, source.Height);
-    for (int32_t y = 0; y < height; ++y) rows.build(y);
+    for (int32_t y = 0; y < height; ++y) {
+        rows.build(y);
+        if (!images.pace()) return false;
+    }
     const VerticalPass pass(temp, destination, *carried, rows, width);
     for (int32_t y = 0; y < height; ++y)
         if (!pass.make_row(y) || !images.pace()) return false;
