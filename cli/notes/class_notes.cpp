@@ -53,7 +53,8 @@ constexpr Note classes[] = {
 constexpr Note shared[] = {
     {"CreatePictureKZB", "A new picture from the process's factory, or else in memory; nil when there is neither."},
     {"SetFactory", "Makes a factory the process's own; nil takes it away."},
-    {"NewPictureKZB", "Is asked for a picture of a size and layout. Nil, or one that is not Valid, passes the question on."},
+    {"NewPictureKZB",
+     "Is asked for a picture of a size and layout. Nil, or one that is not Valid, passes the question on."},
 };
 
 constexpr ConstantGroup groups[] = {

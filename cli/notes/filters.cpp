@@ -37,7 +37,7 @@ constexpr MethodNote tone[] = {
      .also = "curve lookup duotone posterize table",
      .remark = "Values beyond the end of a short array are 0. In a picture with alpha the forms without an array for "
                "alpha leave the new picture's alpha at 0: transparent.",
-     .example = "kzb photo.jpg : TransferFilter \"[$(seq -s, 255 -1 0)]\" -o negative.jpg",
+     .example = "kzb photo.jpg : TransferFilter \"[$(seq -s, 255 -1 0)]\" -o transferred.jpg",
      .arguments = {{"red", "up to 256 values, what 0, 1, 2 ... become; of each the low byte counts"},
                    {"green", "as red; a gray picture takes these"},
                    {"blue", "as red"},
@@ -57,10 +57,11 @@ constexpr MethodNote dither[] = {
      .sentence = "Reduces each channel to a few levels in a pattern of dots.",
      .also = "halftone posterize raster print",
      .remark =
-         "The levels come out inverted, dark for light; Invert afterwards turns them back. Alpha is dithered too: "
-         "CopyPicture before it leaves alpha behind. With other levels, or an unknown matrix, the new picture "
-         "stays empty.",
-     .example = "kzb photo.jpg : DitherFilter DitherOrdered8x8Matrix 2 : Invert -o dots.png",
+         "The levels come out inverted, dark for light; Invert afterwards turns them back. The cluster patterns make "
+         "all that is brighter than the middle white, Ordered6x6 and Ordered8x8 make nothing quite white. Alpha is "
+         "dithered too: CopyPicture before it leaves alpha behind. With other levels, or an unknown matrix, the new "
+         "picture stays empty.",
+     .example = "kzb photo.jpg : DitherFilter DitherOrdered4x4Matrix 2 : Invert -o dots.png",
      .arguments = {{"matrix", "the pattern: one of the constants"}, {"levels", "2 to 256 levels for each channel"}}},
 };
 
@@ -96,9 +97,10 @@ constexpr MethodNote effects[] = {
      .sentence = "Blurs, then pushes each channel to that of one of two colours, with a soft edge between.",
      .also = "threshold two colours print",
      .remark =
-         "The alpha of the new picture is left at 0: transparent; CopyPicture before it leaves alpha behind. A dest "
+         "Each channel goes to its own part of the two colours: on gray made coloured, as by CopyPicture of a channel, "
+         "the result has two clean colours, else up to eight. The alpha of the new picture is left at 0: transparent; CopyPicture before it leaves alpha behind. A dest "
          "receives only the first blur; the result is always a new picture.",
-     .example = "kzb photo.jpg : StampFilter 6 0.5 0.2 '#203050' '#FFE0B0' -o stamp.jpg",
+     .example = "kzb photo.jpg : GreenChannel : CopyPicture : StampFilter 6 0.5 0.2 '#203050' '#FFE0B0' -o stamp.jpg",
      .arguments = {{"radius", "0 and more pixels of blur; below 3 there is none"},
                    {"threshold", "0 to 1: the level between Black and White"},
                    {"softness", "0, a hard edge, to 1"},
@@ -140,7 +142,7 @@ constexpr MethodNote convolution[] = {
          "gets a new picture with width and height exchanged, which fits square pictures only: give one of the "
          "picture's own size.",
      .example =
-         "kzb photo.jpg : ApplyMatrix '[0,0,0,0,0, 0,0,-1,0,0, 0,-1,5,-1,0, 0,0,-1,0,0, 0,0,0,0,0]' -o sharp.jpg",
+         "kzb photo.jpg : ApplyMatrix '[0,0,0,0,0, 0,0,-1,0,0, 0,-1,5,-1,0, 0,0,-1,0,0, 0,0,0,0,0]' -o weighed.jpg",
      .arguments = {{"matrix", "25 weights, row by row, the point's own in the middle; one of 255 or more is left out"},
                    {"delta", "added to each sum; 0 when not given"},
                    {"ScaleFactor", "multiplies each sum; 1 when not given"}}},

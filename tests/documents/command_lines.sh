@@ -11,8 +11,8 @@ trap 'rm -rf "$folder"' EXIT
 cd "$folder"
 ln -s "$build" build
 PATH=$build:$PATH
-mkdir out
-sample_photograph photo.png 96 60
+mkdir out pictures
+sample_photograph photo.png 400 250
 kzb --quiet photo.png : CopyPicture -o photo.jpg
 # The README's own picture is that of ./run.
 grep -q out/sample.png "$page" && sample_photograph out/sample.png 1280 800
