@@ -37,7 +37,7 @@ constexpr MethodNote tone[] = {
      .also = "curve lookup duotone posterize table",
      .remark = "Values beyond the end of a short array are 0. In a picture with alpha the forms without an array for "
                "alpha leave the new picture's alpha at 0: transparent.",
-     .example = "kzb photo.jpg : TransferFilter \"[$(seq -s, 255 -1 0)]\" -o negative.jpg",
+     .example = "kzb photo.jpg : TransferFilter \"[$(seq -s, 255 -1 0)]\" -o transferred.jpg",
      .arguments = {{"red", "up to 256 values, what 0, 1, 2 ... become; of each the low byte counts"},
                    {"green", "as red; a gray picture takes these"},
                    {"blue", "as red"},
@@ -142,7 +142,7 @@ constexpr MethodNote convolution[] = {
          "gets a new picture with width and height exchanged, which fits square pictures only: give one of the "
          "picture's own size.",
      .example =
-         "kzb photo.jpg : ApplyMatrix '[0,0,0,0,0, 0,0,-1,0,0, 0,-1,5,-1,0, 0,0,-1,0,0, 0,0,0,0,0]' -o sharp.jpg",
+         "kzb photo.jpg : ApplyMatrix '[0,0,0,0,0, 0,0,-1,0,0, 0,-1,5,-1,0, 0,0,-1,0,0, 0,0,0,0,0]' -o weighed.jpg",
      .arguments = {{"matrix", "25 weights, row by row, the point's own in the middle; one of 255 or more is left out"},
                    {"delta", "added to each sum; 0 when not given"},
                    {"ScaleFactor", "multiplies each sum; 1 when not given"}}},

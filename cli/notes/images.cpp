@@ -23,7 +23,7 @@ constexpr MethodNote pictures[] = {
      .sentence = "A rectangle's colours, or all, as a picture of the host with the alpha as its mask.",
      .also = "transparency crop",
      .remark = "A picture without alpha gives one without a mask.",
-     .example = "kzb photo.png : CopyPictureWithMask 8 8 48 32 -o part.png"},
+     .example = "kzb photo.png : CopyPictureWithMask 20 20 300 130 -o part.png"},
     {.name = "DrawPictureRGB",
      .sentence = "Copies a rectangle of a host's picture into red, green and blue.",
      .remark = unscaled,
@@ -60,7 +60,7 @@ constexpr MethodNote making[] = {
      .remark =
          "Comes from the picture's Factory, else from the process's, else from memory; what a factory gives is not "
          "compared with what was asked for. Nil when there is no such layout or not enough memory.",
-     .example = "kzb photo.jpg : CreatePictureKZB 64 40 ImageFormatRGB : FillRectRGB '#FF8000' -o orange.png",
+     .example = "kzb photo.jpg : CreatePictureKZB 240 120 ImageFormatRGB : FillRectRGB '#FF8000' -o orange.png",
      .arguments = {{"width", "0 and more pixels"}, {"height", "0 and more pixels"}}},
     {.name = "Constructor",
      .sentence = "Sets up a picture in memory, over a memory block, in a file, or on a picture of the host.",
