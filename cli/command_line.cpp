@@ -15,13 +15,6 @@ namespace kzb::cli {
 
 namespace {
 
-std::string usage_text() {
-    std::string text = "Usage: kzb INPUT [: STEP [ARGUMENT...]]... -o OUTPUT\n";
-    for (const Command &command : commands())
-        text += std::string("       kzb ") + command.name + " " + command.usage + "\n";
-    return text;
-}
-
 constexpr const char *description_text =
     "kzb reads a picture (PNG, JPEG), sends it through a chain of the methods of PictureKZB, and writes the result.";
 
@@ -52,7 +45,12 @@ Exit codes
 // CLI11's help with the usage lines of this command.
 class HelpFormatter : public CLI::Formatter {
 public:
-    std::string make_usage(const CLI::App *, std::string) const override { return "\n" + usage_text(); }
+    std::string make_usage(const CLI::App *, std::string) const override {
+        std::string text = usage_text();
+        for (size_t end = text.find('\n'); end + 1 < text.size(); end = text.find('\n', end + 1))
+            text.insert(end + 1, "       ");
+        return "\nUsage: " + text;
+    }
     std::string make_footer(const CLI::App *app) const override { return app->get_footer(); }
 };
 
@@ -73,7 +71,7 @@ public:
         app_.add_option("--max-pixels", line.max_pixels, "Refuse an input of more pixels than this")
             ->type_name("N")
             ->check(CLI::Range(int64_t{1}, int64_t{INT32_MAX}).description(""));
-        app_.add_option("--module", line.module, "The module; else PictureKZB.so beside kzb or in ../lib")
+        app_.add_option("--module", line.module, "The module; else PictureKZB.so beside kzb or where it was installed")
             ->type_name("FILE");
         app_.add_flag("-v,--verbose", line.verbose, "Tell on stderr what each step did and how long it took");
         app_.add_flag("-q,--quiet", line.quiet, "Print errors only, no notes");
@@ -86,6 +84,17 @@ public:
     }
 
     static bool takes_value(const CLI::Option &option) { return option.get_expected_min() > 0; }
+
+    std::vector<OptionFact> facts() const {
+        std::vector<OptionFact> facts;
+        for (const CLI::Option *option : app_.get_options()) {
+            OptionFact fact = {{}, takes_value(*option) ? option->get_type_name() : "", option->get_description()};
+            for (const std::string &name : option->get_snames()) fact.names.push_back("-" + name);
+            for (const std::string &name : option->get_lnames()) fact.names.push_back("--" + name);
+            facts.push_back(std::move(fact));
+        }
+        return facts;
+    }
 
     // "; did you mean --output?", or nothing.
     std::string hint(const std::string &word) const {
@@ -179,6 +188,26 @@ bool is_writable_kind(const std::string &path) {
     const size_t dot = path.rfind('.');
     const std::string ending = dot == path.npos ? "" : path.substr(dot);
     return same_name(ending, ".png") || same_name(ending, ".jpg") || same_name(ending, ".jpeg");
+}
+
+std::vector<OptionFact> option_facts() {
+    CommandLine unused;
+    return Options(unused).facts();
+}
+
+std::string usage_text() {
+    std::string text = "kzb INPUT [: STEP [ARGUMENT...]]... -o OUTPUT\n";
+    for (const Command &command : commands())
+        text += std::string("kzb ") + command.name + (*command.usage != 0 ? " " : "") + command.usage + "\n";
+    return text;
+}
+
+const char *description() {
+    return description_text;
+}
+
+const char *notes() {
+    return footer_text;
 }
 
 CommandLine parse_command_line(int argc, const char *const *argv) {

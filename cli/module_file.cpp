@@ -2,6 +2,7 @@
 
 #include "failure.h"
 
+#include <filesystem>
 #include <unistd.h>
 
 namespace kzb::cli {
@@ -21,7 +22,8 @@ std::string find_module() {
     if (length <= 0 || static_cast<size_t>(length) == sizeof executable)
         fail(Exit::module, "the place of kzb itself is unknown; give the module with --module FILE");
     const std::string folder = folder_of(std::string(executable, static_cast<size_t>(length)));
-    const std::string places[] = {folder + "/PictureKZB.so", folder + "/" KZB_MODULE_FOLDER "/PictureKZB.so"};
+    const std::string installed = std::filesystem::path(folder + "/" KZB_MODULE_FOLDER).lexically_normal();
+    const std::string places[] = {folder + "/PictureKZB.so", installed + "/PictureKZB.so"};
     for (const std::string &place : places)
         if (access(place.c_str(), F_OK) == 0) return place;
     fail(Exit::module, "the module is neither " + places[0] + " nor " + places[1] + "; give it with --module FILE");

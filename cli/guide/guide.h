@@ -10,4 +10,12 @@ namespace kzb::cli::guide {
 Exit run_list(const Words &words);
 Exit run_help(const Words &words);
 
+// `kzb info [--json]`: what kzb works with.
+Exit run_info(const Words &words);
+
+// `kzb reference`, `kzb manual` and `kzb completion SHELL`: a page in Markdown, one for man, and a shell's script.
+Exit run_reference(const Words &words);
+Exit run_manual(const Words &words);
+Exit run_completion(const Words &words);
+
 } // namespace kzb::cli::guide

@@ -1,86 +1,49 @@
 #include "help.h"
 
 #include "guide.h"
+#include "method_facts.h"
 #include "text.h"
 
-#include "cli/argument_text.h"
 #include "cli/command_line.h"
 #include "cli/command_options.h"
 #include "cli/failure.h"
 #include "cli/module_file.h"
-#include "cli/notes/method_notes.h"
 #include "cli/standard_output.h"
-#include "runtime/names.h"
 
 #include <algorithm>
-#include <set>
 
 namespace kzb::cli::guide {
 
 namespace {
 
-// Lines of a section, each told once.
-class Section {
-public:
-    explicit Section(const char *title) : title_(title) {}
-
-    void add(const std::string &line) {
-        if (told_.insert(line).second) lines_ += "  " + line + "\n";
-    }
-
-    std::string text() const { return lines_.empty() ? "" : std::string("\n") + title_ + "\n" + lines_; }
-
-private:
-    const char *title_;
-    std::set<std::string> told_;
-    std::string lines_;
-};
-
-size_t longest_name(const Method &method) {
-    size_t longest = 0;
-    for (const Form &form : method.forms)
-        for (size_t i = 0; i < form.declaration.parameter_count; ++i)
-            longest = std::max(longest, std::string_view(form.declaration.parameters[i].name).size());
-    return longest;
+std::string section(const char *title, const std::vector<std::string> &lines, const char *before = "") {
+    std::string text;
+    for (const std::string &line : lines) text += wrapped(before + line, 2, 4);
+    return text.empty() ? text : std::string("\n") + title + "\n" + text;
 }
 
-std::string describe_argument(const kzb_parameter &parameter, const Method &method) {
-    std::string text = describe(parameter.type);
-    if (parameter.type == KZB_TYPE_OBJECT) text = std::string("a ") + parameter.type_name;
-    if (parameter.type == KZB_TYPE_INTEGER) text = "a whole number";
-    if (constants_for(method.name, parameter.name) != nullptr) text = "one of the constants below, or its number";
-    return parameter.has_default ? text + "; " + parameter.default_text + " when not given" : text;
+std::string section(const char *title, const std::vector<ArgumentFact> &arguments) {
+    size_t width = 0;
+    for (const ArgumentFact &argument : arguments) width = std::max(width, argument.name.size() + 2);
+    std::string text;
+    for (const ArgumentFact &argument : arguments)
+        text += wrapped(padded(argument.name, width) + argument.text, 2, width + 2);
+    return text.empty() ? text : std::string("\n") + title + "\n" + text;
 }
 
-std::string describe_supplied(size_t place, const Form &form) {
-    const bool dest = same_name(form.declaration.parameters[place].name, "dest");
-    if (form.giver_of(place) == Giver::chain_nil)
-        return dest ? "nil: the result is a new picture" : "nil: made and dropped again";
-    if (form.giver_of(place) == Giver::chain_new) return "a new picture of the current picture's size and layout";
-    return form.writes_new_picture() ? "the current picture; the step writes a new one, with which the chain goes on"
-                                     : "the current picture";
+std::string joined(const std::vector<std::string> &words) {
+    std::string text;
+    for (const std::string &word : words) text += (text.empty() ? "" : " ") + word;
+    return text;
 }
 
-std::string describe_result(const Form &form) {
-    const kzb_declaration &declaration = form.declaration;
-    if (!form.obstacle().empty())
-        return declaration.result == KZB_TYPE_NONE ? "nothing" : std::string("a ") + declaration.result_name;
-    if (declaration.result == KZB_TYPE_BOOLEAN) return "true: done; false: the chain ends with exit code 1";
-    if (declaration.result == KZB_TYPE_OBJECT) return "the new current picture; nil: the chain ends with exit code 1";
-    return form.writes_new_picture() ? "nothing" : "nothing; the current picture itself is changed";
-}
-
-// Line after line of constants of one kind.
-std::string constants_text(const Method &method, const Catalogue &catalogue) {
-    std::set<std::string> kinds;
-    for (const Form &form : method.forms)
-        for (size_t i = 0; i < form.declaration.parameter_count; ++i)
-            if (const char *kind = constants_for(method.name, form.declaration.parameters[i].name)) kinds.insert(kind);
-    std::string names;
-    for (const std::string &kind : kinds)
-        for (const Constant &constant : catalogue.constants())
-            if (constant.name.starts_with(kind)) names += (names.empty() ? "" : " ") + constant.name;
-    return names.empty() ? "" : "\nConstants\n" + wrapped(names, 2);
+// The lines of an example as they stand, for copying.
+std::string example_text(const MethodNote &note) {
+    std::string text = note.example != nullptr ? note.example : note.program;
+    for (size_t end = text.find('\n'); end != text.npos; end = text.find('\n', end + 3)) text.insert(end + 1, "  ");
+    return std::string(note.example != nullptr ? "\nExample\n  "
+                                               : "\nExample, in a C program with the embedded host\n  ") +
+           text + "\n";
 }
 
 } // namespace
@@ -92,32 +55,20 @@ std::string help_text(const std::string &name, const Catalogue &catalogue) {
         fail(Exit::usage, std::string(picture_class) + " has no method " + name +
                               (hint.empty() ? "; 'kzb list' shows the methods" : hint));
     }
-    const size_t width = longest_name(*method) + 2;
-    Section declared("Declared as"), steps("As a step"), arguments("Arguments"), supplied("Supplied by the chain"),
-        results("Result");
-    std::string obstacles;
-    for (const Form &form : method->forms) {
-        const std::string obstacle = form.obstacle();
-        declared.add(form.text);
-        if (obstacle.empty())
-            steps.add(": " + form.usage());
-        else
-            obstacles = "none: it " + obstacle;
-        for (size_t i = 0; i < form.declaration.parameter_count; ++i) {
-            const kzb_parameter &parameter = form.declaration.parameters[i];
-            const bool given = form.giver_of(i) == Giver::user;
-            (given ? arguments : supplied)
-                .add(padded(parameter.name, width) +
-                     (given ? describe_argument(parameter, *method) : describe_supplied(i, form)));
-        }
-        results.add(describe_result(form));
-    }
-    if (!can_be_step(*method)) steps.add(obstacles);
-    const MethodNote *note = note_on(method->name);
-    std::string text = method->name + (note == nullptr ? "\n" : std::string(": ") + note->sentence + "\n");
-    text += steps.text() + arguments.text() + supplied.text() + results.text();
-    if (note != nullptr && note->remark != nullptr) text += "\nNote\n" + wrapped(note->remark, 2);
-    return text + constants_text(*method, catalogue) + declared.text();
+    const MethodFacts facts = facts_of(*method, catalogue);
+    std::string text = facts.name + (facts.note == nullptr ? "\n" : std::string(": ") + facts.note->sentence + "\n");
+    if (facts.steps.empty())
+        text += section("As a step", std::vector<std::string>{"none: it " + facts.obstacle});
+    else
+        text += section("As a step", facts.steps, ": ");
+    text += section("Arguments", facts.arguments) + section("Supplied by the chain", facts.supplied) +
+            section("Result", facts.results);
+    if (facts.note != nullptr && facts.note->remark != nullptr) text += "\nNote\n" + wrapped(facts.note->remark, 2);
+    if (facts.note != nullptr) text += example_text(*facts.note);
+    if (!facts.constants.empty()) text += "\nConstants\n" + wrapped(joined(facts.constants), 2);
+    std::string declared;
+    for (const std::string &declaration : facts.declarations) declared += "  " + declaration + "\n";
+    return text + "\nDeclared as\n" + declared;
 }
 
 Exit run_help(const Words &words) {

@@ -15,20 +15,28 @@ std::string padded(std::string text, size_t width) {
     return text;
 }
 
-std::string wrapped(std::string_view text, size_t indent) {
+std::string wrapped(std::string_view text, size_t first, size_t rest) {
     std::string lines;
-    std::string line(indent, ' ');
+    std::string line(first, ' ');
+    size_t begin = first; // of the line's own text
     while (!text.empty()) {
-        const std::string_view word = text.substr(0, text.find(' '));
-        if (line.size() > indent && line.size() + 1 + word.size() > line_width) {
+        const size_t blanks = std::min(text.find_first_not_of(' '), text.size());
+        const size_t end = std::min(text.find(' ', blanks), text.size());
+        if (line.size() > begin && line.size() + end > line_width) {
             lines += line + "\n";
-            line.assign(indent, ' ');
+            begin = rest;
+            line.assign(rest, ' ');
+            text.remove_prefix(blanks);
+            continue;
         }
-        if (line.size() > indent) line += ' ';
-        line += word;
-        text.remove_prefix(std::min(text.size(), word.size() + 1));
+        line += text.substr(0, end);
+        text.remove_prefix(end);
     }
     return lines + line + "\n";
+}
+
+std::string wrapped(std::string_view text, size_t indent) {
+    return wrapped(text, indent, indent);
 }
 
 char lower(char letter) {

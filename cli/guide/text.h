@@ -8,8 +8,9 @@ namespace kzb::cli::guide {
 // The text and spaces up to the width, at least one.
 std::string padded(std::string text, size_t width);
 
-// Words in lines of a bearable length, each begun with `indent` spaces.
+// Words in lines of a bearable length, each begun with `indent` spaces, or the first and the rest with different ones.
 std::string wrapped(std::string_view text, size_t indent);
+std::string wrapped(std::string_view text, size_t first, size_t rest);
 
 char lower(char letter);
 std::string lower(std::string_view text);
