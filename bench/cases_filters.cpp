@@ -79,6 +79,8 @@ Case diffuse_case() {
 }
 
 Case stamp_case() {
+    Parameters parameters = {.radius = stamp.radius / 3.0, .iterations = 3};
+    for (int v = 0; v < 256; ++v) parameters.table[static_cast<size_t>(v)] = stamped(stamp, Channel::green, v);
     return {.name = "StampFilter",
             .form = Form::made,
             .run =
@@ -92,7 +94,7 @@ Case stamp_case() {
                     box_blur(source, first, stamp.radius / 3.0);
                     return stamped_model(first, stamp);
                 },
-            .parameters = {.radius = stamp.radius / 3.0, .iterations = 3},
+            .parameters = parameters,
             .targets = effect_targets};
 }
 
