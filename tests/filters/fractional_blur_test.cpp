@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace kzb::test {
 namespace {
@@ -82,10 +83,21 @@ TEST(BoxBlurFractionalFilter, OnlyTheFractionActs) {
         check_one(blur_of(radius), source, Object(), "radius " + std::to_string(radius));
 }
 
-TEST(BoxBlurFractionalFilter, ANegativeOrNotFiniteRadiusCountsAsNone) {
+TEST(BoxBlurFractionalFilter, ANegativeRadiusActsByWhatItExceedsTheWholeNumberBelow) {
+    const Image source = random_image(9, 6, 2, 3);
+    for (const auto &[negative, positive] : {std::pair(-0.5, 0.5), std::pair(-2.75, 0.25), std::pair(-7.0, 0.0)}) {
+        const Image blurred(source.call("BoxBlurFractionalFilter", nullptr, positive));
+        EXPECT_EQ(storage_of(Image(source.call("BoxBlurFractionalFilter", nullptr, negative))), storage_of(blurred))
+            << negative;
+    }
+    for (double radius : {-0.3, -1e-300, -1e300})
+        check_one(blur_of(radius), source, Object(), "radius " + std::to_string(radius));
+}
+
+TEST(BoxBlurFractionalFilter, ARadiusThatIsNotFiniteCountsAsNone) {
     const Image source = random_image(9, 6, 2, 3);
     const Bytes copied = storage_of(Image(source.call("BoxBlurFractionalFilter", nullptr, 0.0)));
-    for (double radius : {-0.5, -2.3, -1e300, infinity, -infinity, std::numeric_limits<double>::quiet_NaN()})
+    for (double radius : {infinity, -infinity, std::numeric_limits<double>::quiet_NaN()})
         EXPECT_EQ(storage_of(Image(source.call("BoxBlurFractionalFilter", nullptr, radius))), copied) << radius;
 }
 

@@ -9,7 +9,7 @@ namespace kzb::test {
 
 // Both passes as stated: rows are copied before they are written, a row below is read as it stands.
 inline void fractional_blur(const PlainImage &source, const PlainImage &destination, double radius) {
-    const double f = std::isfinite(radius) && radius > 0 ? radius - std::floor(radius) : 0;
+    const double f = std::isfinite(radius) ? radius - std::floor(radius) : 0;
     const double w = 1 / (2 * f + 1);
     const auto blurred = [&](int c, int p, int q) { return static_cast<uint8_t>((c + (p + q) * f) * w); };
     const auto copy_of = [](const PlainImage &image, int64_t y) {
