@@ -59,16 +59,6 @@ void move_runs(uint8_t *target, ptrdiff_t target_step, const uint8_t *source, pt
         for_length(bytes, [&](auto known) { move<known>(target, target_step, source, source_step, count); });
 }
 
-void move_transposed(const Grid<uint8_t> &target, const Grid<const uint8_t> &source, size_t rows, size_t columns,
-                     size_t bytes) {
-    for_length(bytes, [=](auto length) {
-        uint8_t *to = target.first;
-        const uint8_t *from = source.first;
-        for (size_t row = 0; row < rows; ++row, to += target.row_step, from += source.column_step)
-            move<length>(to, target.column_step, from, source.row_step, columns);
-    });
-}
-
 void fill_runs(uint8_t *target, ptrdiff_t step, const uint8_t *value, size_t count, size_t bytes) {
     for_length(bytes, [&](auto length) {
         uint8_t run[length];

@@ -50,7 +50,7 @@ public:
     std::vector<uint8_t> bytes() const { return {start_, start_ + size_}; }
 
 private:
-    static constexpr size_t room = 4096;
+    static constexpr size_t room = 8192;
     size_t size_;
     uint8_t *pages_;
     uint8_t *start_;
