@@ -110,7 +110,7 @@ bool run_on_blocks(const Row &row, const Image &tall, System call_name, uint64_t
 
 TEST(Files, EachMappingOfABlockFailingInTurn) {
     // Used by all the child processes; what they write to it does not matter.
-    constexpr int32_t width = 3, height = 4200;
+    constexpr int32_t width = 3, height = 8250;
     const Image tall = in_file(RGBA, width, height);
     ASSERT_LT(fields_of(tall).rows_per_block, height);
     const uint64_t faults = for_each_row([&](const Row &row, Report &report) {
