@@ -31,6 +31,8 @@ void set_factory(FactoryObject factory) {
     current_factory = Reference<FactoryObject>::share(factory).release();
 }
 
+bool asks_user_code(const ImageRecord &asking) { return asking.Factory != nullptr || current_factory != nullptr; }
+
 ImageReference create_image(const ImageRecord *asking, int32_t width, int32_t height, int32_t image_format) {
     if (asking != nullptr) {
         if (auto image = ask(asking->Factory, width, height, image_format)) return image;

@@ -14,6 +14,9 @@ void set_factory(FactoryObject factory);
 // run meanwhile.
 ImageReference create_image(const ImageRecord *asking, int32_t width, int32_t height, int32_t image_format);
 
+// Whether create_image would ask user code for an image: the image or the process has a factory.
+bool asks_user_code(const ImageRecord &asking);
+
 // The two CreatePictureKZB methods.
 ImageObject create_picture(ImageObject image, int32_t width, int32_t height, int32_t image_format);
 ImageObject create_picture_shared(int32_t width, int32_t height, int32_t image_format);
