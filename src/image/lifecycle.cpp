@@ -1,9 +1,10 @@
 #include "image/lifecycle.h"
 
 #include "host/reference.h"
-#include "platform/buffer.h"
 #include "image/format.h"
 #include "image/mapped_store.h"
+#include "platform/buffer.h"
+#include "platform/large_pages.h"
 
 namespace kzb {
 
@@ -62,6 +63,7 @@ void construct_in_memory(ImageObject object, int32_t width, int32_t height, int3
     if (row_size > INT32_MAX || row_size * height > INT32_MAX) return;
     Buffer<uint8_t> pixels(row_size * height);
     if (!pixels) return;
+    prefer_large_pages(pixels.get(), row_size * height);
     image.pixel_buffer = pixels.release();
     image.owns_buffer = 1;
     image.TotalSize = row_size * height;
