@@ -1,5 +1,6 @@
 #include "command_line.h"
 
+#include "commands.h"
 #include "failure.h"
 #include "runtime/names.h"
 
@@ -13,11 +14,6 @@
 namespace kzb::cli {
 
 namespace {
-
-constexpr const char *usage_text = "Usage: kzb INPUT [: STEP [ARGUMENT...]]... -o OUTPUT\n"
-                                   "       kzb list\n"
-                                   "       kzb help [METHOD]\n"
-                                   "       kzb check MODULE.so [CHECK...]\n";
 
 constexpr const char *description_text =
     "kzb reads a picture (PNG, JPEG), sends it through a chain of the methods of PictureKZB, and writes the result.";
@@ -49,7 +45,12 @@ Exit codes
 // CLI11's help with the usage lines of this command.
 class HelpFormatter : public CLI::Formatter {
 public:
-    std::string make_usage(const CLI::App *, std::string) const override { return std::string("\n") + usage_text; }
+    std::string make_usage(const CLI::App *, std::string) const override {
+        std::string text = usage_text();
+        for (size_t end = text.find('\n'); end + 1 < text.size(); end = text.find('\n', end + 1))
+            text.insert(end + 1, "       ");
+        return "\nUsage: " + text;
+    }
     std::string make_footer(const CLI::App *app) const override { return app->get_footer(); }
 };
 
@@ -70,7 +71,7 @@ public:
         app_.add_option("--max-pixels", line.max_pixels, "Refuse an input of more pixels than this")
             ->type_name("N")
             ->check(CLI::Range(int64_t{1}, int64_t{INT32_MAX}).description(""));
-        app_.add_option("--module", line.module, "The module; else PictureKZB.so beside kzb or in ../lib")
+        app_.add_option("--module", line.module, "The module; else PictureKZB.so beside kzb or where it was installed")
             ->type_name("FILE");
         app_.add_flag("-v,--verbose", line.verbose, "Tell on stderr what each step did and how long it took");
         app_.add_flag("-q,--quiet", line.quiet, "Print errors only, no notes");
@@ -83,6 +84,17 @@ public:
     }
 
     static bool takes_value(const CLI::Option &option) { return option.get_expected_min() > 0; }
+
+    std::vector<OptionFact> facts() const {
+        std::vector<OptionFact> facts;
+        for (const CLI::Option *option : app_.get_options()) {
+            OptionFact fact = {{}, takes_value(*option) ? option->get_type_name() : "", option->get_description()};
+            for (const std::string &name : option->get_snames()) fact.names.push_back("-" + name);
+            for (const std::string &name : option->get_lnames()) fact.names.push_back("--" + name);
+            facts.push_back(std::move(fact));
+        }
+        return facts;
+    }
 
     // "; did you mean --output?", or nothing.
     std::string hint(const std::string &word) const {
@@ -109,8 +121,6 @@ public:
         }
         return std::nullopt;
     }
-
-    std::string help() const { return app_.help(); }
 
 private:
     CLI::App app_{description_text};
@@ -180,31 +190,33 @@ bool is_writable_kind(const std::string &path) {
     return same_name(ending, ".png") || same_name(ending, ".jpg") || same_name(ending, ".jpeg");
 }
 
+std::vector<OptionFact> option_facts() {
+    CommandLine unused;
+    return Options(unused).facts();
+}
+
+std::string usage_text() {
+    std::string text = "kzb INPUT [: STEP [ARGUMENT...]]... -o OUTPUT\n";
+    for (const Command &command : commands())
+        text += std::string("kzb ") + command.name + (*command.usage != 0 ? " " : "") + command.usage + "\n";
+    return text;
+}
+
+const char *description() {
+    return description_text;
+}
+
+const char *notes() {
+    return footer_text;
+}
+
 CommandLine parse_command_line(int argc, const char *const *argv) {
     CommandLine line;
     Options options(line);
     const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     SortedWords sorted = sort_words(words, options);
-    const auto print = [&](const std::string &text) {
-        line.command = Command::text;
-        line.text = text;
-        return line;
-    };
-    if (const auto text = options.bind(sorted.options)) return print(*text);
-
-    // A chain's first word is a file, whatever its name.
-    const bool chain = !sorted.steps.empty() || !line.output.empty() || sorted.plain.empty();
-    if (!chain && sorted.plain[0] == "help") {
-        if (sorted.plain.size() == 1) return print(options.help());
-        if (sorted.plain.size() > 2) fail(Exit::usage, "'kzb help' explains one METHOD at a time");
-        line.command = Command::help_on;
-        line.subject = sorted.plain[1];
-        return line;
-    }
-    if (!chain && sorted.plain[0] == "list") {
-        if (sorted.plain.size() > 1)
-            fail(Exit::usage, "'kzb list' takes nothing; 'kzb help " + sorted.plain[1] + "' explains one method");
-        line.command = Command::list;
+    if (const auto text = options.bind(sorted.options)) {
+        line.text = *text;
         return line;
     }
     check_chain(sorted, line);

@@ -1,9 +1,10 @@
 // kzb: a picture through a chain of the module's methods.
 #include "chain.h"
-#include "check/command.h"
 #include "command_line.h"
-#include "help.h"
+#include "commands.h"
+#include "module_file.h"
 #include "picture_files.h"
+#include "standard_output.h"
 
 #include <algorithm>
 #include <chrono>
@@ -31,27 +32,6 @@ bool exists(const std::string &path) {
     return access(path.c_str(), F_OK) == 0;
 }
 
-std::string find_module() {
-    char executable[4096];
-    const ssize_t length = readlink("/proc/self/exe", executable, sizeof executable);
-    if (length <= 0 || static_cast<size_t>(length) == sizeof executable)
-        fail(Exit::module, "the place of kzb itself is unknown; give the module with --module FILE");
-    const std::string folder = folder_of(std::string(executable, static_cast<size_t>(length)));
-    const std::string beside = folder + "/PictureKZB.so";
-    if (exists(beside)) return beside;
-    const std::string installed = folder_of(folder) + "/lib/PictureKZB.so";
-    if (exists(installed)) return installed;
-    fail(Exit::module, "the module is neither " + beside + " nor " + installed + "; give it with --module FILE");
-}
-
-Catalogue load(const CommandLine &line) {
-    const std::string path = line.module.empty() ? find_module() : line.module;
-    kzb_error error = {};
-    const kzb_module *module = kzb_module_load(path.c_str(), &error);
-    if (module == nullptr) fail(Exit::module, error.message);
-    return Catalogue(module, path);
-}
-
 // Tells what took how long, where that is wanted.
 class Log {
 public:
@@ -75,7 +55,7 @@ private:
 void run_chain(const CommandLine &line) {
     const std::string folder = folder_of(line.output);
     if (!exists(folder)) fail(Exit::output, line.output + ": the folder " + folder + " does not exist; make it first");
-    const Catalogue catalogue = load(line);
+    const Catalogue catalogue = load_module(line.module).catalogue;
     const std::vector<PlannedStep> plan = plan_chain(line.steps, catalogue);
     Log log(line.verbose);
     Value picture = read_picture_file(line.subject, line.max_pixels);
@@ -96,23 +76,10 @@ void run_chain(const CommandLine &line) {
             ": the whole picture is transparent; 'kzb help METHOD' tells of a step whether it leaves alpha at 0");
 }
 
-void print(const std::string &text) {
-    if (std::fputs(text.c_str(), stdout) == EOF || std::fflush(stdout) != 0)
-        fail(Exit::output, "standard output cannot be written");
-}
-
 void run(int argc, const char *const *argv) {
     const CommandLine line = parse_command_line(argc, argv);
-    switch (line.command) {
-    case Command::text:
-        return print(line.text);
-    case Command::list:
-        return print(list_text(load(line)));
-    case Command::help_on:
-        return print(help_text(line.subject, load(line)));
-    case Command::chain:
-        return run_chain(line);
-    }
+    if (!line.text.empty()) return print(line.text);
+    run_chain(line);
 }
 
 } // namespace
@@ -123,7 +90,7 @@ int main(int argc, char **argv) {
     using namespace kzb::cli;
     try {
         const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
-        if (check::is_check(words)) return static_cast<int>(check::run_check(words));
+        if (const Command *command = command_asked_for(words)) return static_cast<int>(run_command(*command, words));
         run(argc, argv);
         return static_cast<int>(Exit::done);
     } catch (const Failure &failure) {

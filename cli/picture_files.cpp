@@ -44,7 +44,7 @@ Value from_host_picture(const Value &host_picture) {
 
 Value read_picture_file(const std::string &path, uint64_t max_pixels) {
     kzb_error error = {};
-    const kzb_read_options options = {max_pixels};
+    const kzb_read_options options = {max_pixels, nullptr};
     const Value host_picture = Value::picture(kzb_picture_read(path.c_str(), &options, &error));
     if (host_picture.is_nil()) {
         std::string message = error.message;
@@ -73,7 +73,7 @@ WrittenPicture write_picture_file(const Value &picture, const std::string &path,
         written.all_transparent = is_transparent(*kzb_picture_world(mask.as_picture()));
     }
     kzb_error error = {};
-    const kzb_write_options options = {quality};
+    const kzb_write_options options = {quality, 0};
     if (!kzb_picture_write(host_picture.as_picture(), path.c_str(), &options, &error))
         fail(Exit::output, error.message);
     return written;
