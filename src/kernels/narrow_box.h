@@ -1,6 +1,8 @@
 // Sums of up to 255 bytes in a window that moves by one, kept in 16 bits, and their means.
 #pragma once
 
+#include "kernels/row_function.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -30,18 +32,20 @@ struct NarrowMean {
 };
 
 // sums[i] += weight * row[i].
-void accumulate_narrow(uint16_t *sums, const uint8_t *row, int32_t weight, size_t count);
+extern const RowFunction<void(uint16_t *sums, const uint8_t *row, int32_t weight, size_t count)> accumulate_narrow;
 
 // sums[i] += entering[i] - leaving[i], then means[i] = mean(sums[i]). The means overlap nothing else.
-void slide_narrow(uint8_t *means, uint16_t *sums, const uint8_t *entering, const uint8_t *leaving,
-                  const NarrowMean &mean, size_t count);
+extern const RowFunction<void(uint8_t *means, uint16_t *sums, const uint8_t *entering, const uint8_t *leaving,
+                              const NarrowMean &mean, size_t count)>
+    slide_narrow;
 
 // sums[i] = row[i] + sums[i - channels], modulo 2^16, for i below count; there is nothing before the first ones.
 // Channels are 1 to 4.
-void sum_up(uint16_t *sums, const uint8_t *row, size_t channels, size_t count);
+extern const RowFunction<void(uint16_t *sums, const uint8_t *row, size_t channels, size_t count)> sum_up;
 
 // means[i] = mean(after[i] - before[i]), the difference taken modulo 2^16. The means overlap nothing else.
-void average_differences(uint8_t *means, const uint16_t *after, const uint16_t *before, const NarrowMean &mean,
-                         size_t count);
+extern const RowFunction<void(uint8_t *means, const uint16_t *after, const uint16_t *before, const NarrowMean &mean,
+                              size_t count)>
+    average_differences;
 
 } // namespace kzb::kernels
