@@ -68,12 +68,12 @@ bool BlurredRows::write_next(uint8_t *target) {
 
 void BlurredRows::write_all(ImageRecord &destination, const Channels &channels, const ChannelTables *tables) {
     PackedRows written(destination, channels, static_cast<int32_t>(width_), false);
-    Buffer<uint8_t> row(static_cast<int64_t>(bytes()));
-    if (!written || !row) return;
+    if (!written) return;
     for (int32_t y = 0; y < height_; ++y) {
-        if (!write_next(row.get())) return;
-        if (tables != nullptr) send_through(row.get(), channels, *tables);
-        if (!written.write(y, row.get())) return;
+        uint8_t *row = written.place(y);
+        if (row == nullptr || !write_next(row)) return;
+        if (tables != nullptr) send_through(row, channels, *tables);
+        if (!written.finish(y)) return;
     }
 }
 
