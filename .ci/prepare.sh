@@ -4,7 +4,7 @@
 packages=(
     g++ cmake ninja-build pkg-config
     libffi-dev libpixman-1-dev libpng-dev libjpeg62-turbo-dev libwebp-dev libtiff-dev
-    libcli11-dev
+    libcli11-dev libchafa-dev libglib2.0-dev
     dpkg-dev file groff-base
     libgtest-dev nlohmann-json3-dev zsh fish
 )

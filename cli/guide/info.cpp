@@ -5,6 +5,7 @@
 #include "cli/json_text.h"
 #include "cli/module_file.h"
 #include "cli/standard_output.h"
+#include "kernels/level.h"
 
 #include <algorithm>
 #include <cstring>
@@ -68,8 +69,20 @@ std::string class_text(const ClassDefinition &definition) {
     return constants.empty() ? text : text + wrapped(constants, 2);
 }
 
-std::string info_text(const LoadedModule &loaded) {
+// The instruction set of the row functions in the module of this build, which makes its choice by the same rule; empty
+// for any other module, which does not tell.
+std::string instruction_set(const CommandOptions &options) {
+    return options.module.empty() ? kernels::name_of(kernels::level_in_use()) : "";
+}
+
+std::string info_text(const LoadedModule &loaded, const std::string &instructions) {
     std::string text = "kzb " KZB_VERSION ", module " + loaded.path + "\n";
+    if (!instructions.empty()) {
+        text += "instruction set: " + instructions + "; KZB_ISA in the environment chooses another of:";
+        for (const kernels::Level level : {kernels::Level::baseline, kernels::Level::avx2, kernels::Level::avx512})
+            if (kernels::runs(level)) text += std::string(" ") + kernels::name_of(level);
+        text += "\n";
+    }
     for (const ClassDefinition *definition : classes_of(loaded)) text += class_text(*definition);
     return text + "\n'kzb list' names the methods.\n";
 }
@@ -110,9 +123,10 @@ std::string class_json(const ClassDefinition &definition) {
            list("constants", constants) + "\n    }";
 }
 
-std::string info_json(const LoadedModule &loaded) {
-    std::string json =
-        "{\n  \"kzb\": " + quoted(KZB_VERSION) + ",\n  \"module\": " + quoted(loaded.path) + ",\n  \"classes\": [";
+std::string info_json(const LoadedModule &loaded, const std::string &instructions) {
+    std::string json = "{\n  \"kzb\": " + quoted(KZB_VERSION) + ",\n  \"module\": " + quoted(loaded.path) + ",\n";
+    if (!instructions.empty()) json += "  \"instruction_set\": " + quoted(instructions) + ",\n";
+    json += "  \"classes\": [";
     const char *before = "\n";
     for (const ClassDefinition *definition : classes_of(loaded)) {
         json += before + class_json(*definition);
@@ -129,7 +143,8 @@ Exit run_info(const Words &words) {
     options.flag("--json", json, "Print one JSON value");
     if (!options.parse(words)) return Exit::done;
     const LoadedModule loaded = load_module(options.module);
-    print(json ? info_json(loaded) : info_text(loaded));
+    const std::string instructions = instruction_set(options);
+    print(json ? info_json(loaded, instructions) : info_text(loaded, instructions));
     return Exit::done;
 }
 

@@ -37,7 +37,7 @@ constexpr MethodNote tone[] = {
      .also = "curve lookup duotone posterize table",
      .remark = "Values beyond the end of a short array are 0. In a picture with alpha the forms without an array for "
                "alpha leave the new picture's alpha at 0: transparent.",
-     .example = "kzb photo.jpg : TransferFilter \"[$(seq -s, 255 -1 0)]\" -o negative.jpg",
+     .example = "kzb photo.jpg : TransferFilter \"[$(seq -s, 255 -1 0)]\" -o transferred.jpg",
      .arguments = {{"red", "up to 256 values, what 0, 1, 2 ... become; of each the low byte counts"},
                    {"green", "as red; a gray picture takes these"},
                    {"blue", "as red"},
@@ -125,8 +125,8 @@ constexpr MethodNote blur[] = {
     {.name = "UnsharpFilter",
      .sentence = "Sharpens: moves each value away from that of a softened copy, origpixels.",
      .also = "sharpen mask",
-     .remark = "Against the picture itself nothing changes.",
-     .example = "kzb photo.jpg : UnsharpFilter 0.6 3 -o sharp.jpg",
+     .remark = "The current picture is the sharp one; against itself nothing changes.",
+     .example = "kzb photo.jpg : =sharp : BoxBlurFilter 2 : =soft : @sharp : UnsharpFilter @soft 0.6 3 -o sharp.jpg",
      .arguments = {{"origpixels", "a picture of the same size and layout, such as the blurred one; false for another"},
                    {"Amount", "differences grow by 1 + 4 Amount: 0 changes nothing, 0.25 doubles them"},
                    {"Threshold", "0 to 255: smaller differences are left as they are"}}},
@@ -142,7 +142,7 @@ constexpr MethodNote convolution[] = {
          "gets a new picture with width and height exchanged, which fits square pictures only: give one of the "
          "picture's own size.",
      .example =
-         "kzb photo.jpg : ApplyMatrix '[0,0,0,0,0, 0,0,-1,0,0, 0,-1,5,-1,0, 0,0,-1,0,0, 0,0,0,0,0]' -o sharp.jpg",
+         "kzb photo.jpg : ApplyMatrix '[0,0,0,0,0, 0,0,-1,0,0, 0,-1,5,-1,0, 0,0,-1,0,0, 0,0,0,0,0]' -o weighed.jpg",
      .arguments = {{"matrix", "25 weights, row by row, the point's own in the middle; one of 255 or more is left out"},
                    {"delta", "added to each sum; 0 when not given"},
                    {"ScaleFactor", "multiplies each sum; 1 when not given"}}},

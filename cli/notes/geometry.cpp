@@ -12,7 +12,7 @@ constexpr MethodNote scaling[] = {
      .remark =
          "Is called on the picture that receives the result, which must be at least that large. Values are cut, not "
          "rounded: 254.9 becomes 254. Alpha is resampled by itself; colours under transparent points count.",
-     .example = "kzb photo.jpg : Scale ScaleLanczos3 32 20 -o thumbnail.jpg",
+     .example = "kzb photo.jpg : Scale ScaleLanczos3 160 100 -o thumbnail.jpg",
      .arguments = {{"temp", "a picture of ImageFormatScaling, width x the source's height at least; nil makes one"},
                    {"mode", "the filter: one of the constants"},
                    {"source", "the picture to read"},
@@ -22,7 +22,7 @@ constexpr MethodNote scaling[] = {
      .sentence = "Changes the size by taking the nearest points.",
      .also = "resize resample thumbnail pixelate nearest",
      .remark = "Is called on the picture that receives the result; a larger size is cut to its own.",
-     .example = "kzb photo.jpg : ScaleFast 24 15 : ScaleFast 96 60 -o mosaic.png",
+     .example = "kzb photo.jpg : ScaleFast 40 25 : ScaleFast 400 250 -o mosaic.png",
      .arguments = {{"source", "the picture to read"},
                    {"width", "1 and more pixels; a negative number counts as the destination's own width"},
                    {"height", "1 and more pixels; a negative number counts as the destination's own height"}}},
@@ -49,15 +49,15 @@ constexpr MethodNote turns[] = {
     {.name = "Rotate270",
      .sentence = "Turns by 90 degrees, clockwise.",
      .also = "portrait landscape",
-     .example = "kzb photo.jpg : Rotate270 -o upright.jpg"},
+     .example = "kzb photo.jpg : Rotate270 -o clockwise.jpg"},
     {.name = "Rotate90slow",
      .sentence = "The same as Rotate90, with the pixels moved row by row.",
      .remark = "The result is the same, unless the two pictures share pixels or dest is too small.",
-     .example = "kzb photo.jpg : Rotate90slow -o upright.jpg"},
+     .example = "kzb photo.jpg : Rotate90slow -o upright-slowly.jpg"},
     {.name = "Rotate270slow",
      .sentence = "The same as Rotate270, with the pixels moved row by row.",
      .remark = "The result is the same, unless the two pictures share pixels or dest is too small.",
-     .example = "kzb photo.jpg : Rotate270slow -o upright.jpg"},
+     .example = "kzb photo.jpg : Rotate270slow -o clockwise-slowly.jpg"},
     {.name = "Rotate",
      .sentence = "Turns by any angle in degrees, counter-clockwise, and fills the corners with a colour.",
      .also = "straighten horizon",
@@ -85,7 +85,7 @@ constexpr MethodNote fill[] = {
     {.name = "ClearRect",
      .sentence = "Sets every byte of the picture or a rectangle to 0, alpha too.",
      .also = "black erase",
-     .example = "kzb photo.jpg : ClearRect 10 10 30 20 -o hidden.jpg"},
+     .example = "kzb photo.jpg : ClearRect 40 30 120 80 -o hidden.jpg"},
     {.name = "FillRect",
      .sentence = "Sets every channel of the picture or a rectangle to one value, alpha too.",
      .also = "gray box",
@@ -99,7 +99,7 @@ constexpr MethodNote fill[] = {
      .remark =
          "Gray pictures are left as they are. Without an alpha argument alpha stays; in a picture without alpha the "
          "argument is dropped. The result of RGBChannels is left as it is too.",
-     .example = "kzb photo.jpg : FillRectRGB 10 10 30 20 '#FF8000' -o labelled.jpg"},
+     .example = "kzb photo.jpg : FillRectRGB 40 30 120 80 '#FF8000' -o labelled.jpg"},
 
 };
 
@@ -110,13 +110,13 @@ constexpr MethodNote copies[] = {
      .remark =
          "What is changed in it is changed in the picture. A rectangle to the right of or below the picture gives "
          "a picture without columns or rows.",
-     .example = "kzb photo.jpg : ClipImage x=8 y=8 width=64 height=40 -o cropped.jpg"},
+     .example = "kzb photo.jpg : ClipImage x=60 y=20 width=240 height=130 -o cropped.jpg"},
     {.name = "Clone",
      .sentence = "A copy that shares nothing with the picture.",
      .also = "duplicate copy",
      .remark =
          "Nil for a picture in a file. Its RowOffset and channel offsets are those of the picture, of a ClipImage too.",
-     .example = "kzb photo.jpg : Clone -o copy.jpg"},
+     .example = "kzb photo.jpg : Clone -o clone.jpg"},
     {.name = "CopyPixels",
      .sentence = "Copies a rectangle, or all, of another picture into this one.",
      .also = "paste watermark compose montage gray crop",
@@ -145,18 +145,18 @@ constexpr MethodNote copies[] = {
      .sentence = "The gray channel as a gray picture, sharing its pixels.",
      .also = "view",
      .remark = "Nil for coloured pictures: it does not convert. CopyPixels into a gray picture does.",
-     .example = "kzb photo.jpg : RedChannel : GrayChannel -o red.png"},
+     .example = "kzb photo.jpg : RedChannel : GrayChannel -o gray.png"},
     {.name = "AlphaChannel",
      .sentence = "The alpha channel as a gray picture, sharing its pixels.",
      .also = "view transparency mask",
      .remark = "Nil for a picture without alpha.",
-     .example = "kzb photo.png : AlphaChannel -o mask.png"},
+     .example = "kzb photo.png : AlphaChannel -o alpha.png"},
     {.name = "RGBChannels",
      .sentence = "The colours without the alpha, sharing their pixels.",
      .also = "view transparency opaque flatten",
      .remark = "Its HasRed, HasGreen and HasBlue are false: filters, CopyPixels and Invert work on it, FillRectRGB, "
                "DrawPictureRGB and ClipImage do not. Clip first.",
-     .example = "kzb photo.png : RGBChannels : Invert -o negative.png"},
+     .example = "kzb photo.png : RGBChannels : Invert -o negative-colours.png"},
 };
 
 constexpr Family all[] = {

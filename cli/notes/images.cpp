@@ -23,15 +23,18 @@ constexpr MethodNote pictures[] = {
      .sentence = "A rectangle's colours, or all, as a picture of the host with the alpha as its mask.",
      .also = "transparency crop",
      .remark = "A picture without alpha gives one without a mask.",
-     .example = "kzb photo.png : CopyPictureWithMask 8 8 48 32 -o part.png"},
+     .example = "kzb photo.png : CopyPictureWithMask 20 20 300 130 -o part.png"},
     {.name = "DrawPictureRGB",
      .sentence = "Copies a rectangle of a host's picture into red, green and blue.",
      .remark = unscaled,
+     .example = "kzb photo.jpg : =photo : BoxBlurFilter 4 : DrawPictureRGB @photo 24 15 48 30 24 15 -o window.png",
      .program = "kzb_value arguments[] = {picture, integer(0), integer(0), integer(48), integer(32)};\n"
                 "kzb_call(image, \"DrawPictureRGB\", arguments, 5, NULL, &error);"},
     {.name = "DrawPictureRedToGrayChannel",
      .sentence = "Copies a host's picture's red into gray.",
      .remark = unscaled,
+     .example =
+         "kzb photo.jpg : =photo : BlueChannel : DrawPictureRedToGrayChannel @photo 0 0 96 60 : @photo -o red-for-blue.png",
      .program = "/* A mask's gray, which its red holds too, becomes the alpha. */\n"
                 "kzb_value alpha, arguments[] = {picture, integer(0), integer(0), integer(48), integer(32)};\n"
                 "kzb_call(image, \"AlphaChannel\", NULL, 0, &alpha, &error);\n"
@@ -40,6 +43,8 @@ constexpr MethodNote pictures[] = {
     {.name = "DrawPictureGreenToGrayChannel",
      .sentence = "Copies a host's picture's green into gray.",
      .remark = unscaled,
+     .example =
+         "kzb photo.jpg : =photo : RedChannel : DrawPictureGreenToGrayChannel @photo 0 0 96 60 : @photo -o green-for-red.png",
      .program = "kzb_value gray, arguments[] = {picture, integer(0), integer(0), integer(48), integer(32)};\n"
                 "kzb_call(image, \"GreenChannel\", NULL, 0, &gray, &error);\n"
                 "kzb_call(gray.object, \"DrawPictureGreenToGrayChannel\", arguments, 5, NULL, &error);\n"
@@ -47,6 +52,8 @@ constexpr MethodNote pictures[] = {
     {.name = "DrawPictureBlueToGrayChannel",
      .sentence = "Copies a host's picture's blue into gray.",
      .remark = unscaled,
+     .example =
+         "kzb photo.jpg : =photo : GreenChannel : DrawPictureBlueToGrayChannel @photo 0 0 96 60 : @photo -o blue-for-green.png",
      .program = "kzb_value gray, arguments[] = {picture, integer(0), integer(0), integer(48), integer(32)};\n"
                 "kzb_call(image, \"BlueChannel\", NULL, 0, &gray, &error);\n"
                 "kzb_call(gray.object, \"DrawPictureBlueToGrayChannel\", arguments, 5, NULL, &error);\n"
@@ -60,7 +67,7 @@ constexpr MethodNote making[] = {
      .remark =
          "Comes from the picture's Factory, else from the process's, else from memory; what a factory gives is not "
          "compared with what was asked for. Nil when there is no such layout or not enough memory.",
-     .example = "kzb photo.jpg : CreatePictureKZB 64 40 ImageFormatRGB : FillRectRGB '#FF8000' -o orange.png",
+     .example = "kzb photo.jpg : CreatePictureKZB 240 120 ImageFormatRGB : FillRectRGB '#FF8000' -o orange.png",
      .arguments = {{"width", "0 and more pixels"}, {"height", "0 and more pixels"}}},
     {.name = "Constructor",
      .sentence = "Sets up a picture in memory, over a memory block, in a file, or on a picture of the host.",
@@ -68,6 +75,8 @@ constexpr MethodNote making[] = {
          "Reports failure by Valid alone, which stays false. In memory a picture has at most 2,147,483,647 bytes, its "
          "rows padded to a multiple of 64; one in a file has no such limit. The forms over a block trust the caller "
          "for its size. A picture of the host must have 24 or 32 bits.",
+     .example = "kzb photo.jpg : =photo : Constructor 120 80 ImageFormatRGB : FillRectRGB ivory "
+                ": CopyPixels 12 10 96 60 source=@photo -o framed.png",
      .program = "kzb_value arguments[] = {integer(640), integer(480), integer(2)}; /* 2: ImageFormatRGBA */\n"
                 "kzb_value made = {.kind = KZB_OBJECT};\n"
                 "made.object = kzb_new(\"PictureKZB\", arguments, 3, &error);\n"
@@ -88,6 +97,7 @@ constexpr MethodNote making[] = {
      .remark =
          "The scratch file is deleted. Valid may stay true, but the picture must not be used any more; views of it "
          "cannot be used either. A picture that is released closes itself.",
+     .example = "kzb photo.jpg : =photo : Clone : Close : @photo -o photo-again.png",
      .program = "kzb_call(image, \"Close\", NULL, 0, NULL, &error);"},
 };
 
@@ -97,6 +107,7 @@ constexpr MethodNote rows[] = {
      .remark =
          "The block has no size of its own, and is good until the picture is closed or, in a file, until another row "
          "is reached. Nil for a picture that is not Valid.",
+     .example = "kzb photo.jpg : RawRow 5 =line : Row 12 value=@line -o raw-line.png",
      .program = "kzb_value row, index = integer(0);\n"
                 "kzb_call(image, \"RawRow\", &index, 1, &row, &error);\n"
                 "unsigned char *bytes = kzb_block_bytes((KZBMemoryBlock)row.object, NULL);\n"
@@ -106,6 +117,7 @@ constexpr MethodNote rows[] = {
      .sentence = "A copy of one row's bytes; assigned to, it writes them.",
      .remark =
          "The block holds RowSize bytes, padding included. An assigned one must hold as many: no length is compared.",
+     .example = "kzb photo.jpg : Row 5 =line : Row 9 value=@line -o line.png",
      .program = "kzb_value row, index = integer(0), last = integer(29);\n"
                 "kzb_call(image, \"Row\", &index, 1, &row, &error);    /* block = image.Row(0) */\n"
                 "kzb_assign(image, \"Row\", &last, 1, &row, &error);   /* image.Row(29) = block */\n"
@@ -115,6 +127,8 @@ constexpr MethodNote rows[] = {
      .also = "convert",
      .remark = "The block holds width x the layout's pixel size, without padding. Where the picture has no alpha, the "
                "alpha of what is read stays 0, and an assigned row without alpha leaves the picture's as it is.",
+     .example =
+         "kzb photo.jpg : RowInFormat 5 ImageFormatG =line : RowInFormat 9 ImageFormatG value=@line -o gray-line.png",
      .program = "kzb_value row, arguments[] = {integer(0), integer(11)}; /* 11: ImageFormatG */\n"
                 "kzb_call(image, \"RowInFormat\", arguments, 2, &row, &error);\n"
                 "kzb_assign(image, \"RowInFormat\", arguments, 2, &row, &error);\n"
@@ -124,6 +138,8 @@ constexpr MethodNote rows[] = {
      .sentence = "One row in a layout of your choice as a string, read or written.",
      .also = "convert",
      .remark = "As RowInFormat. An assigned string must be long enough: no length is compared.",
+     .example = "kzb photo.jpg : RowStringInFormat 5 ImageFormatRGB =line "
+                ": RowStringInFormat 9 ImageFormatBGR value=@line -o swapped-line.png",
      .program = "kzb_value text, arguments[] = {integer(0), integer(7)}; /* 7: ImageFormatBGRA */\n"
                 "kzb_call(image, \"RowStringInFormat\", arguments, 2, &text, &error);\n"
                 "printf(\"%d bytes\\n\", (int)text.string->length);\n"
@@ -133,6 +149,8 @@ constexpr MethodNote rows[] = {
      .also = "convert raw export",
      .remark =
          "Rows follow one another without padding. An assigned string must be long enough: no length is compared.",
+     .example = "kzb photo.jpg : DataStringInFormat ImageFormatRGB =pixels "
+                ": DataStringInFormat ImageFormatBGR value=@pixels -o swapped.png",
      .program = "kzb_value data, layout = integer(1); /* 1: ImageFormatRGB */\n"
                 "kzb_call(image, \"DataStringInFormat\", &layout, 1, &data, &error);\n"
                 "kzb_assign(image, \"DataStringInFormat\", &layout, 1, &data, &error);\n"

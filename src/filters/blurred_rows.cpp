@@ -66,15 +66,16 @@ bool BlurredRows::write_next(uint8_t *target) {
     return true;
 }
 
-void BlurredRows::write_all(ImageRecord &destination, const Channels &channels, const ChannelTables *tables) {
+bool BlurredRows::write_all(ImageRecord &destination, const Channels &channels, const ChannelTables *tables) {
     PackedRows written(destination, channels, static_cast<int32_t>(width_), false);
-    if (!written) return;
+    if (!written) return false;
     for (int32_t y = 0; y < height_; ++y) {
         uint8_t *row = written.place(y);
-        if (row == nullptr || !write_next(row)) return;
+        if (row == nullptr || !write_next(row)) break;
         if (tables != nullptr) send_through(row, channels, *tables);
-        if (!written.finish(y)) return;
+        if (!written.finish(y)) break;
     }
+    return true;
 }
 
 void BlurredRows::send_through(uint8_t *row, const Channels &channels, const ChannelTables &tables) const {

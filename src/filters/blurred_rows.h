@@ -30,8 +30,9 @@ public:
     [[nodiscard]] bool write_next(uint8_t *target);
 
     // Writes all rows to an image that holds them and shares no byte with the source; each channel through its table
-    // where there are tables, which then are given for all or for the colours alone, alpha becoming 0.
-    void write_all(ImageRecord &destination, const Channels &channels, const ChannelTables *tables = nullptr);
+    // where there are tables, which then are given for all or for the colours alone, alpha becoming 0. Stops
+    // where a row cannot be reached; false, with nothing written, when there is no memory for it.
+    bool write_all(ImageRecord &destination, const Channels &channels, const ChannelTables *tables = nullptr);
 
 private:
     // The image's rows as they enter and leave a window.

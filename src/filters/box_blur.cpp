@@ -143,7 +143,7 @@ ImageObject box_blur_filter(ImageObject image, ImageObject dest, double radius) 
 ImageReference box_blur_unseen(ImageObject image, double radius, int32_t passes, const ChannelTables *tables) {
     ImageRecord &source = *record_of(image);
     // Otherwise user code may supply or meet the images between the passes.
-    if (asks_user_code(source) || source.YieldTicks > 0 || !usable(source)) return {};
+    if (may_ask_program(&source) || source.YieldTicks > 0 || !usable(source)) return {};
     const int64_t whole = whole_radius(radius);
     const Channels channels = in_byte_order(channels_of(source), source);
     if (channels.size() == 0 || source.Width <= 0 || whole > BlurredRows::largest_radius) return {};
@@ -157,7 +157,7 @@ ImageReference box_blur_unseen(ImageObject image, double radius, int32_t passes,
     if (!result) return {};
     ImageRecord &destination = *record_of(result.get());
     if (!rows_may_run(source, destination, channels, source.Width, source.Height)) return {};
-    blurs[static_cast<size_t>(passes) - 1]->write_all(destination, channels, tables);
+    if (!blurs[static_cast<size_t>(passes) - 1]->write_all(destination, channels, tables)) return {};
     return result;
 }
 

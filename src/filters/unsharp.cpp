@@ -25,19 +25,21 @@ void sharpen_plainly(ImageRecord &image, ImageRecord &reference, const Channels 
     }
 }
 
-void sharpen_rows(ImageRecord &image, ImageRecord &reference, const Channels &channels,
+// False, with nothing done, when there is no memory for it.
+bool sharpen_rows(ImageRecord &image, ImageRecord &reference, const Channels &channels,
                   const kernels::Sharpening &sharpening) {
     const kernels::SharpeningSteps steps(sharpening);
     PackedRows rows(image, channels, image.Width, false);
     PackedRows references(reference, channels, image.Width, false);
-    if (!rows || !references) return;
+    if (!rows || !references) return false;
     for (int32_t y = 0; y < image.Height; ++y) {
         const uint8_t *row = references.read(y);
         uint8_t *target = rows.read(y) == nullptr ? nullptr : rows.place(y);
-        if (row == nullptr || target == nullptr) return;
+        if (row == nullptr || target == nullptr) break;
         kernels::sharpen(target, row, steps, rows.bytes());
-        if (!rows.finish(y)) return;
+        if (!rows.finish(y)) break;
     }
+    return true;
 }
 
 bool alike(const ImageRecord &a, const ImageRecord &b) {
@@ -59,9 +61,8 @@ Boolean unsharp_filter(ImageObject object, ImageObject origpixels, double amount
     const Channels channels = channels_of(image);
     if (channels.size() == 0 || image.Width <= 0) return 1;
     if (rows_may_run(reference, image, channels, image.Width, image.Height))
-        sharpen_rows(image, reference, in_byte_order(channels, image), sharpening);
-    else
-        sharpen_plainly(image, reference, channels, sharpening);
+        return sharpen_rows(image, reference, in_byte_order(channels, image), sharpening);
+    sharpen_plainly(image, reference, channels, sharpening);
     return 1;
 }
 

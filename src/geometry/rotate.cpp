@@ -154,7 +154,7 @@ ImageReference ThreeShears::third_shear(ImageRecord &source) const {
 // The same without images between, where user code could not meet them, but only where they could be had.
 ImageReference ThreeShears::shear_at_once() const {
     const bool reachable = image_.Width > 0 && image_.Height > 0 && rows_lie_apart(image_, channels_, image_.Width);
-    if (asks_user_code(image_) || !reachable) return {};
+    if (may_ask_program(&image_) || !reachable) return {};
     const auto can_be_had = [&](double width, double height) {
         return width <= INT32_MAX && height <= INT32_MAX &&
                fits_in_memory(static_cast<int32_t>(width), static_cast<int32_t>(height), image_.PixelSize);

@@ -1,6 +1,5 @@
 #include "geometry/shear_bands.h"
 
-#include "image/packed_rows.h"
 #include "kernels/moves.h"
 #include "kernels/shear.h"
 #include "kernels/shear_rows.h"
@@ -11,16 +10,17 @@
 namespace kzb {
 
 ShearBands::ShearBands(const Skew &skew, const ThreeShifts &shifts)
-    : destination_(skew.destination), channels_listed_(skew.channels), background_(skew.background),
-      channels_(skew.channels.size()), tile_columns_(channels_ > 2 ? most_columns / 2 : most_columns),
-      width_(skew.source.Width), height_(skew.source.Height), first_width_(shifts.first_width),
-      second_height_(shifts.second_height), first_(shears_of(shifts.first, height_)),
-      second_(shears_of(shifts.second, first_width_)), third_(shears_of(shifts.third, second_height_)),
-      factors_(bytes(first_width_)), stairs_(bytes(first_width_)), odd_(first_width_),
-      tile_(bytes(tile_columns_) * (band_rows + tile_columns_ + 2)), shifted_rows_(2 * bytes(tile_columns_)),
-      band_(bytes(first_width_) * band_rows), background_row_(bytes(std::max(first_width_, skew.destination.Width))) {
-    ready_ = first_ && second_ && third_ && factors_ && stairs_ && odd_ && tile_ && shifted_rows_ && band_ &&
-             background_row_ && take_source(skew);
+    : written_(skew.destination, skew.channels, skew.destination.Width, false), result_width_(skew.destination.Width),
+      background_(skew.background), channels_(skew.channels.size()),
+      tile_columns_(channels_ > 2 ? most_columns / 2 : most_columns), width_(skew.source.Width),
+      height_(skew.source.Height), first_width_(shifts.first_width), second_height_(shifts.second_height),
+      first_(shears_of(shifts.first, height_)), second_(shears_of(shifts.second, first_width_)),
+      third_(shears_of(shifts.third, second_height_)), factors_(bytes(first_width_)), stairs_(bytes(first_width_)),
+      odd_(first_width_), tile_(bytes(tile_columns_) * (band_rows + tile_columns_ + 2)),
+      shifted_rows_(2 * bytes(tile_columns_)), band_(bytes(first_width_) * band_rows),
+      background_row_(bytes(std::max(first_width_, skew.destination.Width))) {
+    ready_ = written_ && first_ && second_ && third_ && factors_ && stairs_ && odd_ && tile_ && shifted_rows_ &&
+             band_ && background_row_ && take_source(skew);
     if (!ready_) return;
     kernels::fill_runs(background_row_.get(), static_cast<ptrdiff_t>(channels_), background_.data(),
                        static_cast<size_t>(std::max(first_width_, skew.destination.Width)), channels_);
@@ -109,18 +109,16 @@ void ShearBands::write_sheared(uint8_t *target, int64_t start, int64_t end, cons
 }
 
 void ShearBands::run() {
-    PackedRows written(destination_, channels_listed_, destination_.Width, false);
-    if (!written) return;
     for (int32_t top = 0; top < second_height_; top += band_rows) {
         const int32_t bottom = std::min(top + band_rows, second_height_);
         for (int32_t left = 0; left < first_width_; left += tile_columns_)
             make_tile(top, bottom, left, std::min(left + tile_columns_, first_width_));
         for (int32_t y = top; y < bottom; ++y) {
-            uint8_t *row = written.place(y);
+            uint8_t *row = written_.place(y);
             if (row == nullptr) return;
-            write_sheared(row, 0, destination_.Width, band_.get() + bytes(first_width_) * (y - top), first_width_,
+            write_sheared(row, 0, result_width_, band_.get() + bytes(first_width_) * (y - top), first_width_,
                           third_[static_cast<size_t>(y)]);
-            if (!written.finish(y)) return;
+            if (!written_.finish(y)) return;
         }
     }
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "geometry/skew.h"
+#include "image/packed_rows.h"
 #include "platform/buffer.h"
 
 namespace kzb {
@@ -56,8 +57,8 @@ private:
     void shear_tile(int32_t top, int32_t bottom, int32_t left, int32_t right);
     void mend_column(int32_t top, int32_t bottom, int32_t column);
 
-    ImageRecord &destination_;
-    const Channels channels_listed_;
+    PackedRows written_;
+    const int32_t result_width_;
     const Background background_;
     const size_t channels_;
     const int32_t tile_columns_;

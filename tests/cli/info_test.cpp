@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstdlib>
 #include <cstring>
 #include <map>
 
@@ -56,6 +57,17 @@ TEST_F(Info, GivesTheConstantsTheirValues) {
     EXPECT_EQ(values.at("ImageFormatRGB"), 1);
     EXPECT_EQ(values.at("ImageFormat4of4"), 21);
     EXPECT_EQ(values.at("DitherCluster8Matrix"), 10);
+}
+
+TEST_F(Info, TellsTheInstructionSetThatTheEnvironmentChooses) {
+    setenv("KZB_ISA", "baseline", 1);
+    const Json chosen = Json::parse(run({"info", "--json"}).out);
+    const std::string text = run({"info"}).out;
+    const std::string other = run({"info", "--module", KZB_PICTURE_MODULE}).out;
+    unsetenv("KZB_ISA");
+    EXPECT_EQ(chosen["instruction_set"], "baseline");
+    EXPECT_NE(text.find("\ninstruction set: baseline; "), text.npos) << text;
+    EXPECT_EQ(other.find("instruction set"), other.npos) << "a module that is named may be of another build";
 }
 
 TEST_F(Info, AsTextNamesEveryPropertyAndConstant) {

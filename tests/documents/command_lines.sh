@@ -12,14 +12,8 @@ cd "$folder"
 ln -s "$build" build
 PATH=$build:$PATH
 mkdir out pictures
-# A page with a photograph of its own is about pictures of that size.
-if [[ -f $(dirname "$page")/photo.jpg ]]; then
-    cp "$(dirname "$page")/photo.jpg" photo.jpg
-    sample_photograph photo.png 400 250
-else
-    sample_photograph photo.png 96 60
-    kzb --quiet photo.png : CopyPicture -o photo.jpg
-fi
+sample_photograph photo.png 400 250
+kzb --quiet photo.png : CopyPicture -o photo.jpg
 # The README's own picture is that of ./run.
 grep -q out/sample.png "$page" && sample_photograph out/sample.png 1280 800
 
