@@ -1,4 +1,4 @@
-// The command line, taken apart but not yet understood: options, the input, and the words of each step.
+// The command line, taken apart but not yet understood: options, the inputs, and the words of each step.
 #pragma once
 
 #include <cstdint>
@@ -8,14 +8,19 @@
 namespace kzb::cli {
 
 struct CommandLine {
-    std::string subject; // INPUT
+    std::vector<std::string> inputs;
     std::vector<std::vector<std::string>> steps;
     std::string text; // not empty: to be printed, and nothing else
 
-    std::string output;
+    std::string output; // may have places for the input's name, as in "out/{stem}.png"
     std::string module; // empty: look in the usual places
     int quality = 0;    // 0: the runtime's own choice
-    uint64_t max_pixels = 0;
+    bool lossless = false;
+    uint64_t max_pixels = 0; // 0: the usual limit
+    int jobs = 1;
+    bool keep_going = false;
+    std::string scratch; // empty: pictures are in memory
+    bool dry_run = false;
     bool verbose = false;
     bool quiet = false;
 };
@@ -35,8 +40,5 @@ std::vector<OptionFact> option_facts();
 std::string usage_text();
 const char *description();
 const char *notes();
-
-// Whether a path ends in one of the endings that the runtime writes.
-bool is_writable_kind(const std::string &path);
 
 } // namespace kzb::cli
