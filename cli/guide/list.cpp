@@ -57,9 +57,9 @@ Exit run_list(const Words &words) {
     if (lines.empty())
         fail(Exit::usage, "no method has to do with '" + word + "'" + catalogue.method_hint(word) +
                               (catalogue.method_hint(word).empty() ? "; 'kzb list' shows all" : ""));
-    print("The methods of PictureKZB. 'kzb help METHOD' explains one; those marked * are for programs and cannot be "
-          "steps.\n" +
-          lines);
+    const bool marked = lines.find("\n* ") != lines.npos;
+    print(std::string("The methods of PictureKZB. 'kzb help METHOD' explains one") +
+          (marked ? "; those marked * cannot be steps of a chain.\n" : ".\n") + lines);
     return Exit::done;
 }
 

@@ -126,7 +126,7 @@ constexpr MethodNote blur[] = {
      .sentence = "Sharpens: moves each value away from that of a softened copy, origpixels.",
      .also = "sharpen mask",
      .remark = "Against the picture itself nothing changes.",
-     .example = "kzb photo.jpg : UnsharpFilter 0.6 3 -o sharp.jpg",
+     .example = "kzb photo.jpg : =photo : BoxBlurFilter 2 3 : =soft : @photo : UnsharpFilter @soft 0.3 3 -o sharp.jpg",
      .arguments = {{"origpixels", "a picture of the same size and layout, such as the blurred one; false for another"},
                    {"Amount", "differences grow by 1 + 4 Amount: 0 changes nothing, 0.25 doubles them"},
                    {"Threshold", "0 to 255: smaller differences are left as they are"}}},

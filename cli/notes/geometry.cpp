@@ -124,7 +124,7 @@ constexpr MethodNote copies[] = {
          "Between gray and colours it converts: gray is (77 red + 151 green + 28 blue) / 256. Alpha is copied where "
          "both pictures have it and else left alone; it is no blending. A negative source corner moves the copy to "
          "the left or upwards.",
-     .example = "kzb photo.jpg : CopyPixels -o copy.jpg",
+     .example = "kzb photo.jpg : =photo : Invert : CopyPixels 100 60 200 120 100 60 source=@photo -o pasted.jpg",
      .arguments = {{"source", "the picture to read"}}},
     {.name = "RedChannel",
      .sentence = "The red channel as a gray picture, sharing its pixels.",
