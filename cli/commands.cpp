@@ -14,7 +14,8 @@ namespace {
 constexpr Command all_commands[] = {
     {"list", "[WORD]", "Names the methods by family, or those that have to do with WORD", false, guide::run_list},
     {"help", "[METHOD]", "Explains one method, or kzb itself", false, guide::run_help},
-    {"info", "[--json]", "Shows the module in use: its classes, properties, constants and instruction set", false, guide::run_info},
+    {"info", "[--json]", "Shows the module in use: its classes, properties, constants and instruction set", false,
+     guide::run_info},
     {"gallery", "INPUT -o DIR", "Makes a page that shows what every method makes of a picture", true, run_gallery},
 #ifdef KZB_SHOW
     {"show", "FILE", "Draws a picture in the terminal", false, run_show},

@@ -69,7 +69,8 @@ private:
 void add_notes(const WrittenPicture &written, const Work &work, JobReport &report) {
     const std::string start = "note: " + work.output + ": ";
     if (written.alpha_left_out)
-        report.lines.push_back(start + "this kind of file holds no alpha, it was left out; a PNG file keeps it");
+        report.lines.push_back(start + "a " + written.kind +
+                               " file holds no alpha, it was left out; a PNG file keeps it");
     if (written.profile_left_out)
         report.lines.push_back(start + "the colour profile of " + input_name(work.input) +
                                " is for another kind of pixels and was left out");

@@ -194,7 +194,7 @@ WrittenPicture write_picture_file(const Value &picture, const std::string &path,
         rows_done(y + 1, height);
     }
     if (!kzb_image_finish(writer.release(), &error)) fail(Exit::output, error.message);
-    return {layout.alpha_left_out, layout.profile_left_out, all_transparent};
+    return {kind.name, layout.alpha_left_out, layout.profile_left_out, all_transparent};
 }
 
 std::string describe_picture(const Value &picture, const Catalogue &catalogue) {

@@ -35,6 +35,7 @@ struct WriteOptions {
 
 // What is worth telling about a picture that was written.
 struct WrittenPicture {
+    const char *kind;              // "PNG", "JPEG" ...
     bool alpha_left_out = false;   // the kind of file holds none
     bool profile_left_out = false; // it is for another kind of pixels
     bool all_transparent = false;

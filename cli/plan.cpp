@@ -88,7 +88,7 @@ Attempt attempt(const Method &method, const Form &form, const std::vector<Writte
         return result;
     };
     std::vector<const WrittenArgument *> given(declaration.parameter_count);
-    size_t next = 0;
+    size_t next = 0, first_misplaced = SIZE_MAX, misplaced_for = 0;
     for (size_t i = 0; i < written.size(); ++i) {
         if (has_value_argument(form, written[i])) {
             result.assigned = written[i].reference;
@@ -100,11 +100,20 @@ Attempt attempt(const Method &method, const Form &form, const std::vector<Writte
             return stop(written[i].name.empty() ? Stage::too_many : Stage::unknown_name, 0, i);
         if (given[place] != nullptr) return stop(Stage::given_twice, place, i);
         given[place] = &written[i];
+        const bool object = declaration.parameters[place].type == KZB_TYPE_OBJECT;
+        if (method.forms.size() == 1 && object && first_misplaced > i &&
+            !fitted(written[i], declaration.parameters[place], method, kept)) {
+            first_misplaced = i;
+            misplaced_for = place;
+        }
     }
     for (size_t i = 0; i < declaration.parameter_count; ++i) {
         const kzb_parameter &parameter = declaration.parameters[i];
-        if (given[i] == nullptr && form.giver_of(i) == Giver::user && !parameter.has_default)
+        if (given[i] == nullptr && form.giver_of(i) == Giver::user && !parameter.has_default) {
+            // What stands where a picture belongs says more than what is missing at the end.
+            if (first_misplaced < written.size()) return stop(Stage::no_fit, misplaced_for, first_misplaced);
             return stop(Stage::missing, i, 0);
+        }
     }
     for (size_t i = 0; i < declaration.parameter_count; ++i) {
         const kzb_parameter &parameter = declaration.parameters[i];

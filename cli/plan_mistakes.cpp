@@ -72,13 +72,15 @@ const char *constants_wanted(const Method &method, const kzb_parameter &paramete
 }
 
 std::string usages(const Method &method) {
+    constexpr size_t most = 4;
     std::string text;
     std::set<std::string> told;
     for (const Form &form : method.forms) {
         if (!form.obstacle().empty() || !told.insert(form.usage()).second) continue;
-        text += (text.empty() ? "; write " : ", or ") + form.usage();
+        if (told.size() <= most) text += (text.empty() ? "; write " : ", or ") + form.usage();
     }
-    return text;
+    if (told.size() <= most) return text;
+    return text + ", or one of " + std::to_string(told.size() - most) + " other forms: 'kzb help " + method.name + "'";
 }
 
 std::string unknown_kept(const std::string &name, const KeptNames &kept) {

@@ -50,7 +50,10 @@ std::string result_text(const Form &form) {
     const kzb_declaration &declaration = form.declaration;
     if (!form.obstacle().empty())
         return declaration.result == KZB_TYPE_NONE ? "nothing" : std::string("a ") + declaration.result_name;
-    if (form.gives_other()) return "kept under NAME; the current picture stays";
+    if (form.gives_other())
+        return std::string("a ") + declaration.result_name + ", kept as NAME; nil: the chain ends with exit code 1";
+    if (same_name(declaration.name, "Constructor"))
+        return "the new current picture; not Valid: the chain ends with exit code 1";
     if (declaration.result == KZB_TYPE_BOOLEAN) return "true: done; false: the chain ends with exit code 1";
     if (declaration.result == KZB_TYPE_OBJECT) return "the new current picture; nil: the chain ends with exit code 1";
     return form.writes_new_picture() ? "nothing" : "nothing; the current picture itself is changed";

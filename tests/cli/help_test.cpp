@@ -91,6 +91,8 @@ TEST_F(Help, TellsHowAMethodIsWrittenAsAStep) {
     EXPECT_TRUE(contains(fill, "\n  FillColor  a colour, #RRGGBB, &hRRGGBB or a name\n")) << fill;
     const std::string row = text({"help", "RawRow"});
     EXPECT_TRUE(contains(row, "\n  : RawRow index =NAME\n")) << row;
+    EXPECT_TRUE(contains(row, "a memoryblock, kept as NAME")) << row;
+    EXPECT_TRUE(contains(text({"help", "Row"}), "\n  : Row index =NAME, or the same with value=@NAME\n"));
 }
 
 TEST_F(Help, TellsWhatEveryArgumentTakesAndGivesAnExample) {
