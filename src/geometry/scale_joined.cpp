@@ -23,6 +23,9 @@ constexpr int32_t output_rows_at_once = 32;
 constexpr int32_t cached_lanes = 512;
 constexpr int32_t outputs_at_once = 64;
 
+// Eights of rows that a column's lanes hold, at most.
+constexpr size_t most_parts = 4;
+
 // The least width of a strip.
 constexpr int64_t least_strip = 32;
 
@@ -108,16 +111,18 @@ JoinedPasses::JoinedPasses(ImageRecord &source, ImageRecord *temp, ImageRecord &
     tile_ = static_cast<int32_t>(rounded_up(tile, kernels::block_of_values));
     held_columns_ = std::max(cached_lanes / static_cast<int32_t>(lanes_), longest_column_list);
     constexpr auto together = static_cast<int64_t>(kernels::rows_together);
-    ring_ = Buffer<double>(ring_rows_ * static_cast<int64_t>(row_size_));
-    columns_ = Buffer<double>(held_columns_ * lanes * together);
-    means_ = Buffer<float>((outputs_at_once + 1) * lanes * together + 8 * together);
+    ring_ = Lines<double>(ring_rows_ * static_cast<int64_t>(row_size_));
+    columns_ = Lines<double>(held_columns_ * lanes * together);
+    means_ = Lines<float>((outputs_at_once + 1) * lanes * together + 8 * together);
     bytes_ = Buffer<uint8_t>(tile_ * channels);
     list_rows_ = Buffer<const double *>(int64_t{longest_row_list_} * output_rows_at_once);
+    blocks_ = Buffer<Block>(strip_);
 }
 
 void JoinedPasses::run() {
     for (int32_t start = 0; start < width_;) {
         const int32_t end = start + std::min(strip_, width_ - start);
+        plan_blocks(start, end);
         int32_t y = 0;
         for (int64_t row = 0; row < source_.Height && y < height_; row += rows_at_once_) {
             make_rows(static_cast<int32_t>(row), start, end);
@@ -132,7 +137,7 @@ void JoinedPasses::run() {
     }
 }
 
-kernels::RowGroup JoinedPasses::group_at(int32_t row) const {
+kernels::RowGroup JoinedPasses::group_at(int64_t row) const {
     kernels::RowGroup group = {};
     const Channels channels = read_channels(carried_);
     const ChannelOffsets offsets = offsets_of(source_, channels);
@@ -140,7 +145,7 @@ kernels::RowGroup JoinedPasses::group_at(int32_t row) const {
     for (size_t i = 0; i < channels.size(); ++i) group.offsets[i] = static_cast<size_t>(offsets[i] - first_offset);
     for (size_t r = 0; r < kernels::rows_together; ++r) {
         // The last row stands for those below the image.
-        const int64_t y = std::min<int64_t>(int64_t{row} + static_cast<int64_t>(r), source_.Height - 1);
+        const int64_t y = std::min<int64_t>(row + static_cast<int64_t>(r), source_.Height - 1);
         group.rows[r] = source_.row_accessor(source_, static_cast<int32_t>(y)) + first_offset;
     }
     group.ahead = static_cast<ptrdiff_t>(source_.RowSize) * rows_at_once_;
@@ -150,7 +155,7 @@ kernels::RowGroup JoinedPasses::group_at(int32_t row) const {
     return group;
 }
 
-void JoinedPasses::ready_columns(int32_t row, int32_t first, int32_t end) {
+void JoinedPasses::ready_columns(const kernels::RowGroup *groups, int32_t first, int32_t end) {
     const size_t column_size = lanes_ * kernels::rows_together;
     if (first >= held_first_ && end <= held_end_) return;
     int32_t from = first;
@@ -161,17 +166,13 @@ void JoinedPasses::ready_columns(int32_t row, int32_t first, int32_t end) {
     }
     held_first_ = first;
     held_end_ = end;
-    for (int32_t part = 0; part < rows_at_once_; part += static_cast<int32_t>(kernels::rows_together)) {
-        double *target =
-            columns_.get() + static_cast<size_t>(from - first) * column_size + static_cast<size_t>(part) * channels_;
-        kernels::gather_columns(target, lanes_, group_at(row + part), static_cast<size_t>(from),
-                                static_cast<size_t>(end - from));
-    }
+    double *target = columns_.get() + static_cast<size_t>(from - first) * column_size;
+    for (size_t lane = 0; lane < lanes_; lane += channels_, target += channels_ * kernels::rows_together)
+        kernels::gather_columns(target, lanes_, *groups++, static_cast<size_t>(from), static_cast<size_t>(end - from));
 }
 
-void JoinedPasses::make_rows(int32_t row, int32_t start, int32_t end) {
-    held_first_ = held_end_ = 0;
-    const size_t group_size = outputs_at_once * channels_ * kernels::rows_together;
+void JoinedPasses::plan_blocks(int32_t start, int32_t end) {
+    block_count_ = 0;
     for (int32_t x = start; x < end;) {
         int32_t next = x, first = column_lists_[x].first, last = first;
         for (; next < end && next - x < outputs_at_once; ++next) {
@@ -181,19 +182,35 @@ void JoinedPasses::make_rows(int32_t row, int32_t start, int32_t end) {
             first = lower;
             last = upper;
         }
-        ready_columns(row, first, last + 1);
-        const auto count = static_cast<size_t>(next - x);
-        kernels::weigh_columns(means_.get(), group_size, columns_.get(), held_first_, channels_, column_lists_ + x,
-                               count);
-        for (int32_t part = 0; part < rows_at_once_; part += static_cast<int32_t>(kernels::rows_together)) {
-            std::array<double *, kernels::rows_together> targets;
-            for (size_t r = 0; r < kernels::rows_together; ++r)
-                targets[r] = ring_row(int64_t{row} + part + static_cast<int64_t>(r)) +
-                             static_cast<size_t>(x - start) * channels_;
-            kernels::deal_means(targets, means_.get() + static_cast<size_t>(part) / kernels::rows_together * group_size,
-                                count * channels_);
-        }
+        // The next block's values then start a cache line too.
+        if (next != end && next - x > 8) next -= (next - x) % 8;
+        blocks_[static_cast<size_t>(block_count_++)] = {x, next, first, last + 1};
         x = next;
+    }
+}
+
+void JoinedPasses::make_rows(int32_t row, int32_t start, int32_t end) {
+    held_first_ = held_end_ = 0;
+    const size_t group_size = outputs_at_once * channels_ * kernels::rows_together;
+    const auto parts = static_cast<size_t>(rows_at_once_) / kernels::rows_together;
+    std::array<kernels::RowGroup, most_parts> groups;
+    std::array<std::array<double *, kernels::rows_together>, most_parts> targets;
+    for (size_t part = 0; part < parts; ++part) {
+        const int64_t first = int64_t{row} + static_cast<int64_t>(part * kernels::rows_together);
+        groups[part] = group_at(first);
+        for (size_t r = 0; r < kernels::rows_together; ++r)
+            targets[part][r] = ring_row(first + static_cast<int64_t>(r));
+    }
+    for (int32_t i = 0; i < block_count_; ++i) {
+        const Block &block = blocks_[static_cast<size_t>(i)];
+        ready_columns(groups.data(), block.first_input, block.inputs_end);
+        const auto count = static_cast<size_t>(block.end - block.start);
+        kernels::weigh_columns(means_.get(), group_size, columns_.get(), held_first_, channels_,
+                               column_lists_ + block.start, count);
+        for (size_t part = 0; part < parts; ++part) {
+            kernels::deal_means(targets[part], means_.get() + part * group_size, count * channels_);
+            for (double *&target : targets[part]) target += count * channels_;
+        }
     }
     if (temp_ == nullptr) return;
     for (int32_t y = row; y < source_.Height && y - row < rows_at_once_; ++y)
