@@ -26,6 +26,9 @@ constexpr int32_t outputs_at_once = 64;
 // Eights of rows that a column's lanes hold, at most.
 constexpr size_t most_parts = 4;
 
+// An intermediate image above this is out of the caches before a program can look at it.
+constexpr int64_t cached_bytes = 4 * 1024 * 1024;
+
 // The least width of a strip.
 constexpr int64_t least_strip = 32;
 
@@ -213,10 +216,11 @@ void JoinedPasses::make_rows(int32_t row, int32_t start, int32_t end) {
         }
     }
     if (temp_ == nullptr) return;
+    const bool passes_by = static_cast<int64_t>(temp_->RowSize) * source_.Height > cached_bytes;
     for (int32_t y = row; y < source_.Height && y - row < rows_at_once_; ++y)
         kernels::write_working_pixels(temp_->row_accessor(*temp_, y) +
                                           static_cast<size_t>(start) * kernels::working_pixel_size,
-                                      ring_row(y), channels_, static_cast<size_t>(end - start));
+                                      ring_row(y), channels_, static_cast<size_t>(end - start), passes_by);
 }
 
 void JoinedPasses::make_outputs(int32_t first, int32_t rows, int32_t start, int32_t end) {
