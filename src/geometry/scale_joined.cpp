@@ -2,7 +2,6 @@
 
 #include "image/packed_rows.h"
 #include "image/storage.h"
-#include "kernels/convert.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -61,6 +60,13 @@ Channels written_channels(const CarriedChannels &carried) {
 
 } // namespace
 
+CarriedChannels in_best_order(const CarriedChannels &carried, const ImageRecord *temp, const ImageRecord &destination) {
+    CarriedChannels ordered = carried;
+    if (temp == nullptr && !carried.spreads_gray && !carried.mixes_gray)
+        ordered.lanes = in_byte_order(carried.lanes, destination);
+    return ordered;
+}
+
 bool JoinedPasses::fit(const ImageRecord &source, const ImageRecord *temp, const ImageRecord &destination,
                        const CarriedChannels &carried, const Contributions &columns, const Contributions &rows,
                        int32_t width, int32_t height) {
@@ -82,16 +88,9 @@ bool JoinedPasses::fit(const ImageRecord &source, const ImageRecord *temp, const
 JoinedPasses::JoinedPasses(ImageRecord &source, ImageRecord *temp, ImageRecord &destination,
                            const CarriedChannels &carried, const Contributions &columns, const Contributions &rows,
                            int32_t width, int32_t height)
-    : source_(source), temp_(temp), destination_(destination), carried_(carried), column_lists_(columns.lists()),
-      row_lists_(rows.lists()), width_(width), height_(height), channels_(carried.lanes.size()),
-      lanes_(kernels::lanes_for(channels_)),
-      rows_at_once_(static_cast<int32_t>(lanes_ / channels_ * kernels::rows_together)) {
-    // In the order of the destination's bytes where nobody sees the intermediate image.
-    if (temp == nullptr && !carried.spreads_gray && !carried.mixes_gray)
-        carried_.lanes = in_byte_order(carried.lanes, destination);
-    const ChannelOffsets offsets = offsets_of(destination, carried_.lanes);
-    dense_ = static_cast<size_t>(destination.PixelSize) == channels_ && !carried.spreads_gray;
-    for (size_t i = 1; i < channels_; ++i) dense_ = dense_ && offsets[i] == offsets[0] + static_cast<int32_t>(i);
+    : source_(source), temp_(temp), carried_(carried), column_lists_(columns.lists()), row_lists_(rows.lists()),
+      width_(width), height_(height), channels_(carried.lanes.size()), lanes_(kernels::lanes_for(channels_)),
+      writer_(destination, carried), rows_at_once_(static_cast<int32_t>(lanes_ / channels_ * kernels::rows_together)) {
     int32_t longest_column_list = 0;
     int64_t made = 0; // rows before the output's
     for (int32_t y = 0; y < height; ++y) {
@@ -236,15 +235,10 @@ void JoinedPasses::make_outputs(int32_t first, int32_t rows, int32_t start, int3
 }
 
 void JoinedPasses::make_output(int32_t y, const double *const *rows, int32_t start, int32_t x, int32_t width) {
-    const auto step = static_cast<size_t>(destination_.PixelSize);
     const auto count = static_cast<size_t>(width);
-    uint8_t *target = destination_.row_accessor(destination_, y) + static_cast<size_t>(x) * step;
-    uint8_t *bytes = dense_ ? target + offset_of(destination_, carried_.lanes[0]) : bytes_.get();
-    kernels::mean_of_rows(bytes, rows, static_cast<size_t>(x - start) * channels_, row_lists_[y], count * channels_);
-    if (dense_) return;
-    for (size_t i = 0; i < channels_; ++i)
-        for (Channel channel : carried_.targets_of(carried_.lanes[i]))
-            kernels::copy_channel(target + offset_of(destination_, channel), step, bytes + i, channels_, 0, count);
+    uint8_t *target = writer_.start(x, y, bytes_.get());
+    kernels::mean_of_rows(target, rows, static_cast<size_t>(x - start) * channels_, row_lists_[y], count * channels_);
+    writer_.finish(count);
 }
 
 } // namespace kzb

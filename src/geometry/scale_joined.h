@@ -4,10 +4,14 @@
 
 #include "geometry/carried_channels.h"
 #include "geometry/contributions.h"
+#include "geometry/lane_writer.h"
 #include "image/record.h"
 #include "kernels/resample_groups.h"
 
 namespace kzb {
+
+// The lanes in the order of the destination's bytes where nobody sees the intermediate image, else as they are.
+CarriedChannels in_best_order(const CarriedChannels &carried, const ImageRecord *temp, const ImageRecord &destination);
 
 class JoinedPasses {
 public:
@@ -61,11 +65,12 @@ private:
         Buffer<T> held_;
     };
 
-    ImageRecord &source_, *temp_, &destination_;
+    ImageRecord &source_, *temp_;
     CarriedChannels carried_;
     const kernels::ContributionList *column_lists_, *row_lists_;
     int32_t width_, height_;
     size_t channels_, lanes_;
+    LaneWriter writer_;
     int32_t rows_at_once_; // that the lanes of a column hold
     int64_t ring_rows_ = 0;
     size_t row_size_ = 0; // doubles
@@ -73,7 +78,6 @@ private:
     int32_t tile_ = 0;    // of these
     int32_t held_columns_ = 0;
     int32_t longest_row_list_ = 0;
-    bool dense_ = false;                    // the lanes are the destination's bytes
     int32_t held_first_ = 0, held_end_ = 0; // input pixels whose columns are there
     Lines<double> ring_, columns_;
     Lines<float> means_;

@@ -1,16 +1,9 @@
 #include "kernels/resample_groups_avx512.h"
 
+#include "kernels/avx512.h"
 #include "kernels/resample_groups_loops.h"
 
 #if defined(__x86_64__) || defined(__i386__)
-
-#include <immintrin.h>
-
-// The compiler's own header leaves registers undefined on purpose.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#endif
 
 namespace kzb::kernels {
 
