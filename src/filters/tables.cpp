@@ -1,5 +1,6 @@
 #include "filters/tables.h"
 
+#include "image/mapped_store.h"
 #include "image/plain_walk.h"
 #include "kernels/look_up.h"
 
@@ -54,8 +55,8 @@ void apply_tables(ImageRecord &source, ImageRecord &destination, const ChannelTa
     }
     const RowLookUp look_up(source, destination, tables);
     for (int32_t y = 0; y < height; ++y) {
-        const uint8_t *row = source.row_accessor(source, y);
-        uint8_t *target = destination.row_accessor(destination, y);
+        const uint8_t *row = walked_row(source, y);
+        uint8_t *target = walked_row(destination, y);
         if (row == nullptr || target == nullptr) return;
         look_up(target, row, width);
     }
@@ -65,7 +66,7 @@ void apply_tables_in_place(ImageRecord &image, const ChannelTables &tables, int3
                            int32_t height) {
     const RowLookUp look_up(image, image, tables);
     for (int32_t i = 0; i < height; ++i) {
-        uint8_t *row = image.row_accessor(image, y + i);
+        uint8_t *row = walked_row(image, y + i);
         if (row == nullptr) return;
         row += static_cast<int64_t>(x) * image.PixelSize;
         look_up(row, row, width);
