@@ -49,6 +49,9 @@ bool resample(ImageRecord &source, ImageRecord &temp, bool temp_is_seen, ImageRe
         for (int32_t y = 0; y < source.Height; ++y)
             if (!pass.make_row(y) || !images.pace()) return false;
     }
+    // A pace for each row's list as for each column's; joined passes, which need all lists, are never paced.
+    for (int32_t y = 0; y < height; ++y)
+        if (!images.pace()) return false;
     const VerticalPass pass(temp, destination, *carried, rows, width);
     for (int32_t y = 0; y < height; ++y)
         if (!pass.make_row(y) || !images.pace()) return false;

@@ -25,9 +25,10 @@ ImageReference ask(FactoryObject factory, int32_t width, int32_t height, int32_t
 } // namespace
 
 void set_factory(FactoryObject factory) {
-    // Adopted only at the end: dropping it may run user code.
-    auto old = Reference<FactoryObject>::adopt(std::exchange(current_factory, nullptr));
-    current_factory = Reference<FactoryObject>::share(factory).release();
+    Reference<FactoryObject>::adopt(std::exchange(current_factory, nullptr)).reset();
+    // Dropping it may have run user code that set another.
+    const auto replaced = Reference<FactoryObject>::adopt(
+        std::exchange(current_factory, Reference<FactoryObject>::share(factory).release()));
 }
 
 ImageReference create_image(const ImageRecord *asking, int32_t width, int32_t height, int32_t image_format) {
