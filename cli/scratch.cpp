@@ -38,9 +38,10 @@ private:
 Value picture_over(const std::string &path, int32_t width, int32_t height, int32_t image_format) {
     const Value file = Value::object(reinterpret_cast<KZBObject>(kzb_folder_item_new(path.c_str())));
     if (file.is_nil()) return file;
-    // The least size that the module accepts is the best one: blocks of 16 megabytes.
+    // The larger the blocks, the fewer times a turn maps each of them.
+    constexpr int64_t block_size = 64 << 20;
     const kzb_value arguments[] = {Value::integer(width).get(), Value::integer(height).get(),
-                                   Value::integer(image_format).get(), Value::integer(0).get(), file.get()};
+                                   Value::integer(image_format).get(), Value::integer(block_size).get(), file.get()};
     const Value picture = make(picture_class, arguments);
     return property(picture, "Valid") != 0 ? picture : Value();
 }
