@@ -14,6 +14,14 @@ struct Known {
 
 constexpr Known known[] = {
     {"OpenCV", "opencv.so", "Debian's libopencv-dev"},
+    {"libvips", "libvips.so", "Debian's libvips42"},
+    {"libvips-new", "libvips_new.so", "the npm registry's @img/sharp-libvips-linux-x64"},
+    {"libyuv", "libyuv.so", "Debian's libyuv-dev"},
+    {"zimg", "zimg.so", "Debian's libzimg-dev"},
+    {"libswscale", "swscale.so", "Debian's libswscale-dev"},
+    {"libavfilter", "avfilter.so", "Debian's libavfilter-dev"},
+    {"GraphicsMagick", "graphicsmagick.so", "Debian's libgraphicsmagick1-dev"},
+    {"pixman", "pixman.so", "Debian's libpixman-1-dev"},
 };
 
 } // namespace

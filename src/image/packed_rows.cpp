@@ -74,6 +74,12 @@ bool PackedRows::write(int32_t y, const uint8_t *packed) {
     return true;
 }
 
+uint8_t *PackedRows::place(int32_t y) {
+    if (way_ != Way::dense) return packed_.get();
+    uint8_t *row = image_.row_accessor(image_, y);
+    return row == nullptr ? nullptr : row + offsets_[0];
+}
+
 void RowCopy::take(int32_t y) {
     const uint8_t *row = byte_at(image_, y, 0);
     length_ = row == nullptr ? 0 : image_.RowSize;
