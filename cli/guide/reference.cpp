@@ -19,8 +19,8 @@ Every class, method, property and constant of the module, as it registers them. 
 
 Command lines run as they stand in a folder with the pictures `photo.jpg`, without alpha, and `photo.png`, with alpha.
 `kzb help METHOD` shows the same for one method, with what a chain supplies by itself. The examples in C stand in a
-program with the embedded host ([runtime.md](runtime.md)): `image` is a `PictureKZB`, `picture` a picture of the host, and
-`integer(n)` makes a value of a number. Names are the same in upper and lower case.
+program with the embedded host ([runtime.md](runtime.md)): `image` is a `PictureKZB`, `picture` a picture of the host,
+and `integer(n)` makes a value of a number. Names are the same in upper and lower case.
 
 )";
 
@@ -45,7 +45,7 @@ std::string method_entry(const Method &method, const MethodNote &note, const Cat
     for (const std::string &declaration : facts.declarations) text += code(declaration);
     text += argument_rows(facts.arguments);
     if (note.remark != nullptr) text += std::string("\n") + note.remark + "\n";
-    if (note.example != nullptr) text.append("\n").append(code(note.example));
+    text.append("\n").append(code(note.example));
     if (note.program != nullptr) text.append("\n```c\n").append(note.program).append("\n```\n");
     return text;
 }

@@ -98,7 +98,8 @@ constexpr MethodNote effects[] = {
      .also = "threshold two colours print",
      .remark =
          "Each channel goes to its own part of the two colours: on gray made coloured, as by CopyPicture of a channel, "
-         "the result has two clean colours, else up to eight. The alpha of the new picture is left at 0: transparent; CopyPicture before it leaves alpha behind. A dest "
+         "the result has two clean colours, else up to eight. The alpha of the new picture is left at 0: transparent;"
+         " CopyPicture before it leaves alpha behind. A dest "
          "receives only the first blur; the result is always a new picture.",
      .example = "kzb photo.jpg : GreenChannel : CopyPicture : StampFilter 6 0.5 0.2 '#203050' '#FFE0B0' -o stamp.jpg",
      .arguments = {{"radius", "0 and more pixels of blur; below 3 there is none"},
@@ -125,8 +126,8 @@ constexpr MethodNote blur[] = {
     {.name = "UnsharpFilter",
      .sentence = "Sharpens: moves each value away from that of a softened copy, origpixels.",
      .also = "sharpen mask",
-     .remark = "The current picture is the sharp one; against itself nothing changes.",
-     .example = "kzb photo.jpg : =sharp : BoxBlurFilter 2 : =soft : @sharp : UnsharpFilter @soft 0.6 3 -o sharp.jpg",
+     .remark = "Against the picture itself nothing changes.",
+     .example = "kzb photo.jpg : =photo : BoxBlurFilter 2 3 : =soft : @photo : UnsharpFilter @soft 0.3 3 -o sharp.jpg",
      .arguments = {{"origpixels", "a picture of the same size and layout, such as the blurred one; false for another"},
                    {"Amount", "differences grow by 1 + 4 Amount: 0 changes nothing, 0.25 doubles them"},
                    {"Threshold", "0 to 255: smaller differences are left as they are"}}},
