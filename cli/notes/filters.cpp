@@ -98,7 +98,8 @@ constexpr MethodNote effects[] = {
      .also = "threshold two colours print",
      .remark =
          "Each channel goes to its own part of the two colours: on gray made coloured, as by CopyPicture of a channel, "
-         "the result has two clean colours, else up to eight. The alpha of the new picture is left at 0: transparent; CopyPicture before it leaves alpha behind. A dest "
+         "the result has two clean colours, else up to eight. The alpha of the new picture is left at 0: transparent;"
+         " CopyPicture before it leaves alpha behind. A dest "
          "receives only the first blur; the result is always a new picture.",
      .example = "kzb photo.jpg : GreenChannel : CopyPicture : StampFilter 6 0.5 0.2 '#203050' '#FFE0B0' -o stamp.jpg",
      .arguments = {{"radius", "0 and more pixels of blur; below 3 there is none"},
