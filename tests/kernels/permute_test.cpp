@@ -1,4 +1,5 @@
 #include "kernels/each_level.h"
+#include "kernels/guarded_bytes.h"
 #include "kernels/permute.h"
 #include "kernels/weigh.h"
 

@@ -1,4 +1,5 @@
 #include "kernels/each_level.h"
+#include "kernels/guarded_bytes.h"
 #include "kernels/transpose.h"
 
 namespace kzb::kernels {
