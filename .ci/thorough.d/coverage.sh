@@ -11,7 +11,7 @@ export LLVM_PROFILE_FILE=$PWD/$profiles/%c%m-%p.profraw
 # The profile's own library is more than the module may need.
 run_tests coverage -E '^module_symbols$'
 llvm-profdata merge -sparse --failure-mode=all -o build-coverage/tests.profdata "$profiles"
-objects=(build-coverage/tests/{carbon,geometry_internals,host_internals,kernels}_test build-coverage/PictureKZB*.so)
+objects=(build-coverage/tests/{carbon,geometry_internals,host_internals,image_internals,kernels,stand_ins}_test build-coverage/PictureKZB*.so)
 llvm-cov export --instr-profile=build-coverage/tests.profdata "${objects[@]/#/--object=}" >build-coverage/tests.json
 failed=0
 python3 .ci/thorough.d/coverage.py build-coverage/tests.json .ci/thorough.d/coverage.txt >build-coverage/branches.txt ||

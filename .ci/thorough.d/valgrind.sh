@@ -6,8 +6,8 @@ install_packages
 say "Building ..."
 build
 programs=(
-    carbon_test geometry_internals_test host_internals_test kernels_test
-    host_test yield_test image_test mapped_store_test rows_test interop_test views_test
+    carbon_test geometry_internals_test host_internals_test image_internals_test kernels_test
+    stand_ins_test host_test yield_test image_test mapped_store_test rows_test interop_test views_test
     method_table_test memory_faults_test factory_reentry_test scale_memory_test turn_memory_test
     blur_frame_test drawing_pacing_test effects_frame_test rectangle_pacing_test scale_yield_test turn_yield_test
     fuzz_replay_calls fuzz_replay_differential fuzz_replay_image_files
