@@ -3,9 +3,10 @@
 # Debian's packages: compiler and build tools, then the libraries of the embedded host, kzb and the tests.
 packages=(
     g++ cmake ninja-build pkg-config
-    libffi-dev libpixman-1-dev libpng-dev libjpeg62-turbo-dev
-    libcli11-dev
-    libgtest-dev nlohmann-json3-dev
+    libffi-dev libpixman-1-dev libpng-dev libjpeg62-turbo-dev libwebp-dev libtiff-dev
+    libcli11-dev libchafa-dev libglib2.0-dev
+    dpkg-dev file groff-base
+    libgtest-dev nlohmann-json3-dev zsh fish
 )
 
 say() { printf '%s\n' "$*"; }

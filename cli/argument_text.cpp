@@ -1,5 +1,6 @@
 #include "argument_text.h"
 
+#include "colour_names.h"
 #include "runtime/names.h"
 
 #include <algorithm>
@@ -54,6 +55,7 @@ std::optional<Value> read_double(std::string_view text) {
 }
 
 std::optional<Value> read_color(std::string_view text) {
+    if (const ColourName *named = colour_named(text)) return value_of(KZB_COLOR, named->colour);
     if (text.size() != 7 || text[0] != '#') return std::nullopt;
     const auto color = whole_text<uint32_t>(text.substr(1), 16);
     if (!color) return std::nullopt;
@@ -92,15 +94,16 @@ Value read_array(std::string_view text) {
 
 [[noreturn]] void tell_no_value(const std::string &text, const Catalogue &catalogue) {
     if (is_name(text)) {
-        std::string hint = catalogue.constant_hint(text);
-        if (hint.empty()) hint = "; 'kzb help METHOD' tells what a method takes";
-        fail(Exit::usage, "'" + text + "' is neither a number nor a constant" + hint);
+        Suggestion suggestion(text);
+        for (const Constant &constant : catalogue.constants()) suggestion.consider(constant.name.c_str());
+        for (const ColourName &colour : colour_names()) suggestion.consider(colour.name);
+        fail(Exit::usage, "'" + text + "' is neither a number nor a constant nor a colour" + suggestion.hint());
     }
     if (text.starts_with(":") || text.ends_with(":"))
         fail(Exit::usage, "'" + text + "' is no value; a ':' that begins a step stands alone, between spaces");
     fail(Exit::usage, "'" + text +
-                          "' is no value; write a number, true, false, nil, a colour (#RRGGBB), an array ([1,2,3]) or "
-                          "the name of a constant");
+                          "' is no value; write a number, true, false, nil, a colour (#RRGGBB), an array ([1,2,3]), "
+                          "@name or the name of a constant");
 }
 
 Value read_value(const std::string &text, const Catalogue &catalogue) {
@@ -124,7 +127,17 @@ WrittenArgument read_argument(const std::string &word, const Catalogue &catalogu
     argument.text = named ? word.substr(sign + 1) : word;
     if (named && argument.text.empty())
         fail(Exit::usage, "the argument " + argument.name + " has no value; write " + argument.name + "=value");
-    argument.value = read_value(argument.text, catalogue);
+    if (argument.text.starts_with('@')) {
+        argument.reference = argument.text.substr(1);
+        if (!is_name(argument.reference)) argument.problem = "'" + argument.text + "' is no name of a kept picture";
+        return argument;
+    }
+    try {
+        argument.value = read_value(argument.text, catalogue);
+        if (const Constant *constant = catalogue.constant(argument.text)) argument.constant = constant->name;
+    } catch (const Failure &failure) {
+        argument.problem = failure.message;
+    }
     return argument;
 }
 
@@ -177,7 +190,7 @@ std::string describe(kzb_type type) {
     case KZB_TYPE_BOOLEAN:
         return "true or false";
     case KZB_TYPE_COLOR:
-        return "a colour, #RRGGBB or &hRRGGBB";
+        return "a colour, #RRGGBB, &hRRGGBB or a name";
     case KZB_TYPE_INTEGER_ARRAY:
         return "an array of whole numbers, [1,2,3]";
     case KZB_TYPE_OBJECT:

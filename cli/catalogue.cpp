@@ -31,35 +31,39 @@ bool is_of(kzb_type type, const char *type_name, std::string_view class_name) {
     return type == KZB_TYPE_OBJECT && same_name(type_name, class_name);
 }
 
+// Whether a step can give an object of the class: one that was kept, or for a file its path.
+bool can_be_written(std::string_view class_name) {
+    for (const char *known : {picture_class, "Picture", "MemoryBlock", "FolderItem"})
+        if (same_name(class_name, known)) return true;
+    return false;
+}
+
 } // namespace
 
 Giver Form::giver_of(size_t place) const {
     const kzb_parameter &parameter = declaration.parameters[place];
     if (!is_of(parameter.type, parameter.type_name, picture_class)) return Giver::user;
     if (same_name(parameter.name, "temp")) return Giver::chain_nil;
-    if (!same_name(parameter.name, "dest")) return Giver::chain_current;
+    if (same_name(parameter.name, "source")) return Giver::chain_current;
+    if (!same_name(parameter.name, "dest")) return Giver::user;
     // For nil this one method makes a picture with width and height exchanged, into which the result does not fit.
     return same_name(declaration.name, "ApplyMatrix") ? Giver::chain_new : Giver::chain_nil;
 }
 
 std::string Form::obstacle() const {
-    if (same_name(declaration.name, "Constructor")) return "makes a picture, and a chain has its picture already";
-    if (same_name(declaration.name, "Close")) return "ends a picture, which a chain does by itself";
     for (size_t i = 0; i < declaration.parameter_count; ++i) {
         const kzb_parameter &parameter = declaration.parameters[i];
-        const bool writable = parameter.type == KZB_TYPE_INTEGER || parameter.type == KZB_TYPE_DOUBLE ||
-                              parameter.type == KZB_TYPE_BOOLEAN || parameter.type == KZB_TYPE_COLOR ||
-                              parameter.type == KZB_TYPE_INTEGER_ARRAY || giver_of(i) != Giver::user;
-        if (!writable)
+        if (parameter.type == KZB_TYPE_OBJECT && !can_be_written(parameter.type_name))
             return std::string("needs ") + parameter.name + ", a " + parameter.type_name +
                    ", which a command line cannot give";
     }
-    const bool goes_on = declaration.result == KZB_TYPE_NONE || declaration.result == KZB_TYPE_BOOLEAN ||
-                         is_of(declaration.result, declaration.result_name, picture_class) ||
-                         is_of(declaration.result, declaration.result_name, "Picture");
-    if (!goes_on)
-        return std::string("gives a ") + declaration.result_name + ", with which a chain of pictures cannot go on";
     return "";
+}
+
+bool Form::gives_other() const {
+    return declaration.result != KZB_TYPE_NONE && declaration.result != KZB_TYPE_BOOLEAN &&
+           !is_of(declaration.result, declaration.result_name, picture_class) &&
+           !is_of(declaration.result, declaration.result_name, "Picture");
 }
 
 bool Form::writes_new_picture() const {
@@ -75,6 +79,7 @@ std::string Form::usage() const {
         if (giver_of(i) != Giver::user) continue;
         written += parameter.has_default ? std::string(" [") + parameter.name + "]" : std::string(" ") + parameter.name;
     }
+    if (gives_other()) written += assigns ? " =NAME, or the same with value=@NAME" : " =NAME";
     return written;
 }
 
@@ -83,7 +88,7 @@ Catalogue::Catalogue(const kzb_module *module, const std::string &path) {
     if (definition == nullptr)
         fail(Exit::module, path + ": the module has no class " + picture_class + ", with which kzb works");
     for (kzb_word i = 0; i < definition->method_count; ++i) {
-        Form form = {definition->methods[i].declaration, {}};
+        Form form = {definition->methods[i].declaration, {}, definition->methods[i].setter != nullptr};
         kzb_error error = {};
         if (!kzb_parse_declaration(form.text, &form.declaration, &error))
             fail(Exit::module, path + ": " + error.message);

@@ -18,6 +18,7 @@ enum class Giver { user, chain_nil, chain_current, chain_new };
 struct Form {
     const char *text; // as registered
     kzb_declaration declaration;
+    bool assigns = false; // whether a value can be assigned to it: "picture.Row(3) = value"
 
     // Who gives the argument at this place.
     Giver giver_of(size_t place) const;
@@ -27,6 +28,9 @@ struct Form {
 
     // Whether it reads the current picture as `source` and writes the picture that it is called on.
     bool writes_new_picture() const;
+
+    // Whether it gives something that a chain can keep under a name, but not go on with.
+    bool gives_other() const;
 
     // How a step is written: "GammaFilter gamma alphaGamma".
     std::string usage() const;

@@ -1,5 +1,6 @@
 #include "command_line.h"
 
+#include "commands.h"
 #include "failure.h"
 #include "runtime/names.h"
 
@@ -9,36 +10,47 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <unistd.h>
 
 namespace kzb::cli {
 
 namespace {
 
-constexpr const char *usage_text = "Usage: kzb INPUT [: STEP [ARGUMENT...]]... -o OUTPUT\n"
-                                   "       kzb list\n"
-                                   "       kzb help [METHOD]\n"
-                                   "       kzb check MODULE.so [CHECK...]\n";
-
 constexpr const char *description_text =
-    "kzb reads a picture (PNG, JPEG), sends it through a chain of the methods of PictureKZB, and writes the result.";
+    "kzb reads pictures (PNG, JPEG, WebP, TIFF, PNM), sends each through a chain of the methods of PictureKZB, and "
+    "writes the results.";
 
 constexpr const char *footer_text = R"(Steps
   Each ':' stands alone, with a space on both sides, and begins a step: a method's name, then its arguments, by
   position or as Name=value. Names are the declared ones, upper and lower case alike. 'kzb list' shows the methods,
-  'kzb help METHOD' what one takes. The chain itself supplies dest and temp (nil) and source and origpixels (the
-  current picture). A method that returns a picture puts it in the place of the current one; the others change the
-  current picture itself. Options may stand anywhere; after '--' no word is an option any more.
+  'kzb help METHOD' what one takes. A method that returns a picture puts it in the place of the current one; the
+  others change the current picture itself. The chain supplies dest and temp (nil) and source: the current picture,
+  and the step is then called on a new picture of the right size. Options may stand anywhere; after '--' no word is
+  an option any more.
+
+  : =name               keeps the current picture; what a method gives is kept with =name as its last word
+  : @name               goes back to it; as an argument, @name stands for it: UnsharpFilter @soft 0.6 3
+  A kept picture stays as it is: a step that would change it works on a copy. Through a view of it (RedChannel,
+  ClipImage ...) steps write into it, and 'CopyPixels source=@name' writes into the current picture.
 
 Arguments
   12  -5  &hFF          whole numbers            2.2  -.5  1e-3   numbers
   true  false           yes or no                nil              nothing
   #FF8000  &hFF8000     colours                  [1,2,3]          arrays; quote them in shells that expand [ ]
-  ScaleLanczos3         constants of PictureKZB
+  orange  skyblue       colours by name          ScaleLanczos3    constants of PictureKZB
+
+Files
+  The name's ending tells the kind of OUTPUT: .png .jpg .jpeg .webp .tif .tiff .pnm .pam .ppm. The INPUT - is standard
+  input, of any kind; the OUTPUT - is standard output, an anymap, or another kind with its name before it: png:-
+  With many inputs OUTPUT has places for their names: {stem} the name without folder and ending, {name} the name,
+  {ext} the ending without the dot, {n} the number of the input from 1; {{ and }} are braces.
 
 Examples
   kzb photo.jpg : GammaFilter 2.2 : SolarizeFilter -o out.png
   kzb photo.jpg : GainFilter gain=0.7 bias=0.5 -o out.jpg --quality 85
   kzb photo.png -o photo.jpg
+  kzb *.jpg : Scale ScaleBox 300 200 -o 'small/{stem}.webp' -j 4 --keep-going
+  kzb photo.jpg : =sharp : BoxBlurFilter 4 : =soft : @sharp : UnsharpFilter @soft 0.6 3 -o out.png
   kzb check PictureKZB.so        looks at a module from all sides; 'kzb check --help' tells more
 
 Exit codes
@@ -49,7 +61,12 @@ Exit codes
 // CLI11's help with the usage lines of this command.
 class HelpFormatter : public CLI::Formatter {
 public:
-    std::string make_usage(const CLI::App *, std::string) const override { return std::string("\n") + usage_text; }
+    std::string make_usage(const CLI::App *, std::string) const override {
+        std::string text = usage_text();
+        for (size_t end = text.find('\n'); end + 1 < text.size(); end = text.find('\n', end + 1))
+            text.insert(end + 1, "       ");
+        return "\nUsage: " + text;
+    }
     std::string make_footer(const CLI::App *app) const override { return app->get_footer(); }
 };
 
@@ -62,15 +79,27 @@ public:
         app_.footer(footer_text);
         app_.set_help_flag("-h,--help", "Show this help and exit");
         app_.set_version_flag("--version", "kzb " KZB_VERSION, "Show the version and exit");
-        app_.add_option("-o,--output", line.output, "The picture to write; .png, .jpg or .jpeg tells the kind")
+        app_.add_option("-o,--output", line.output,
+                        "The picture to write; .png, .jpg, .webp, .tif or .pnm tells the kind")
             ->type_name("FILE");
-        app_.add_option("--quality", line.quality, "Quality of a JPEG file, 1 to 100; 90 when not given")
+        app_.add_option("--quality", line.quality, "Quality of a JPEG or WebP file, 1 to 100; 90 when not given")
             ->type_name("N")
             ->check(CLI::Range(1, 100).description(""));
-        app_.add_option("--max-pixels", line.max_pixels, "Refuse an input of more pixels than this")
+        app_.add_flag("--lossless", line.lossless, "Keep every pixel of a WebP file as it is");
+        app_.add_option("-j,--jobs", line.jobs, "Work on so many inputs at a time; 1 when not given")
             ->type_name("N")
-            ->check(CLI::Range(int64_t{1}, int64_t{INT32_MAX}).description(""));
-        app_.add_option("--module", line.module, "The module; else PictureKZB.so beside kzb or in ../lib")
+            ->check(CLI::Range(1, 256).description(""));
+        app_.add_flag("-k,--keep-going", line.keep_going,
+                      "Go on after an input that fails, and tell at the end which did");
+        app_.add_option("--scratch", line.scratch,
+                        "Keep pictures in files in this folder, for those larger than memory")
+            ->type_name("DIR");
+        app_.add_option("--max-pixels", line.max_pixels,
+                        "Refuse an input of more pixels than this; 500 million when not given, 2147 with --scratch")
+            ->type_name("N")
+            ->check(CLI::Range(int64_t{1}, int64_t{1} << 40).description(""));
+        app_.add_flag("-n,--dry-run", line.dry_run, "Print what would be done, and do nothing");
+        app_.add_option("--module", line.module, "The module; else PictureKZB.so beside kzb or where it was installed")
             ->type_name("FILE");
         app_.add_flag("-v,--verbose", line.verbose, "Tell on stderr what each step did and how long it took");
         app_.add_flag("-q,--quiet", line.quiet, "Print errors only, no notes");
@@ -83,6 +112,17 @@ public:
     }
 
     static bool takes_value(const CLI::Option &option) { return option.get_expected_min() > 0; }
+
+    std::vector<OptionFact> facts() const {
+        std::vector<OptionFact> facts;
+        for (const CLI::Option *option : app_.get_options()) {
+            OptionFact fact = {{}, takes_value(*option) ? option->get_type_name() : "", option->get_description()};
+            for (const std::string &name : option->get_snames()) fact.names.push_back("-" + name);
+            for (const std::string &name : option->get_lnames()) fact.names.push_back("--" + name);
+            facts.push_back(std::move(fact));
+        }
+        return facts;
+    }
 
     // "; did you mean --output?", or nothing.
     std::string hint(const std::string &word) const {
@@ -109,8 +149,6 @@ public:
         }
         return std::nullopt;
     }
-
-    std::string help() const { return app_.help(); }
 
 private:
     CLI::App app_{description_text};
@@ -158,26 +196,44 @@ SortedWords sort_words(std::span<const std::string> words, const Options &option
     return sorted;
 }
 
+bool exists(const std::string &path) {
+    return access(path.c_str(), F_OK) == 0;
+}
+
 void check_chain(const SortedWords &sorted, const CommandLine &line) {
     if (sorted.plain.empty()) fail(Exit::usage, "there is no INPUT; use kzb INPUT : STEP ... -o OUTPUT");
-    if (sorted.plain.size() > 1)
-        fail(Exit::usage, "there is one INPUT, " + sorted.plain[0] + ", and '" + sorted.plain[1] +
-                              "' came too; a step begins with a ':' that stands alone");
+    for (const std::string &word : sorted.plain)
+        if (word.starts_with(':') && !exists(word))
+            fail(Exit::usage, "'" + word + "' is no INPUT; a step begins with a ':' that stands alone");
     for (size_t i = 0; i < sorted.steps.size(); ++i)
         if (sorted.steps[i].empty())
             fail(Exit::usage, "step " + std::to_string(i + 1) + " is empty; write a method's name after the ':'");
-    if (line.output.empty())
-        fail(Exit::usage, "the OUTPUT is missing; add -o FILE with a name that ends in .png, .jpg or .jpeg");
-    if (!is_writable_kind(line.output))
-        fail(Exit::usage, line.output + ": the output's name must end in .png, .jpg or .jpeg");
+    if (line.output.empty() && !line.dry_run)
+        fail(Exit::usage,
+             "the OUTPUT is missing; add -o FILE with a name that ends in .png, .jpg, .webp, .tif or .pnm");
+    if (line.quiet && line.verbose) fail(Exit::usage, "--quiet and --verbose cannot both be meant; leave one out");
 }
 
 } // namespace
 
-bool is_writable_kind(const std::string &path) {
-    const size_t dot = path.rfind('.');
-    const std::string ending = dot == path.npos ? "" : path.substr(dot);
-    return same_name(ending, ".png") || same_name(ending, ".jpg") || same_name(ending, ".jpeg");
+std::vector<OptionFact> option_facts() {
+    CommandLine unused;
+    return Options(unused).facts();
+}
+
+std::string usage_text() {
+    std::string text = "kzb INPUT... [: STEP [ARGUMENT...]]... -o OUTPUT\n";
+    for (const Command &command : commands())
+        text += std::string("kzb ") + command.name + (*command.usage != 0 ? " " : "") + command.usage + "\n";
+    return text;
+}
+
+const char *description() {
+    return description_text;
+}
+
+const char *notes() {
+    return footer_text;
 }
 
 CommandLine parse_command_line(int argc, const char *const *argv) {
@@ -185,30 +241,12 @@ CommandLine parse_command_line(int argc, const char *const *argv) {
     Options options(line);
     const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     SortedWords sorted = sort_words(words, options);
-    const auto print = [&](const std::string &text) {
-        line.command = Command::text;
-        line.text = text;
-        return line;
-    };
-    if (const auto text = options.bind(sorted.options)) return print(*text);
-
-    // A chain's first word is a file, whatever its name.
-    const bool chain = !sorted.steps.empty() || !line.output.empty() || sorted.plain.empty();
-    if (!chain && sorted.plain[0] == "help") {
-        if (sorted.plain.size() == 1) return print(options.help());
-        if (sorted.plain.size() > 2) fail(Exit::usage, "'kzb help' explains one METHOD at a time");
-        line.command = Command::help_on;
-        line.subject = sorted.plain[1];
-        return line;
-    }
-    if (!chain && sorted.plain[0] == "list") {
-        if (sorted.plain.size() > 1)
-            fail(Exit::usage, "'kzb list' takes nothing; 'kzb help " + sorted.plain[1] + "' explains one method");
-        line.command = Command::list;
+    if (const auto text = options.bind(sorted.options)) {
+        line.text = *text;
         return line;
     }
     check_chain(sorted, line);
-    line.subject = sorted.plain[0];
+    line.inputs = std::move(sorted.plain);
     line.steps = std::move(sorted.steps);
     return line;
 }

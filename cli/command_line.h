@@ -1,4 +1,4 @@
-// The command line, taken apart but not yet understood: options, the input, and the words of each step.
+// The command line, taken apart but not yet understood: options, the inputs, and the words of each step.
 #pragma once
 
 #include <cstdint>
@@ -7,23 +7,20 @@
 
 namespace kzb::cli {
 
-enum class Command {
-    chain,   // send INPUT through the steps
-    list,    // name the methods
-    help_on, // explain the method named by `subject`
-    text     // print `text` and be done
-};
-
 struct CommandLine {
-    Command command = Command::chain;
-    std::string subject; // INPUT or METHOD
+    std::vector<std::string> inputs;
     std::vector<std::vector<std::string>> steps;
-    std::string text;
+    std::string text; // not empty: to be printed, and nothing else
 
-    std::string output;
+    std::string output; // may have places for the input's name, as in "out/{stem}.png"
     std::string module; // empty: look in the usual places
     int quality = 0;    // 0: the runtime's own choice
-    uint64_t max_pixels = 0;
+    bool lossless = false;
+    uint64_t max_pixels = 0; // 0: the usual limit
+    int jobs = 1;
+    bool keep_going = false;
+    std::string scratch; // empty: pictures are in memory
+    bool dry_run = false;
     bool verbose = false;
     bool quiet = false;
 };
@@ -31,7 +28,17 @@ struct CommandLine {
 // Throws a Failure of Exit::usage for a line that makes no sense.
 CommandLine parse_command_line(int argc, const char *const *argv);
 
-// Whether a path ends in one of the endings that the runtime writes.
-bool is_writable_kind(const std::string &path);
+// An option of the chain, for texts about it.
+struct OptionFact {
+    std::vector<std::string> names; // with their dashes, the short one first
+    std::string type;               // of its value; empty: it takes none
+    std::string sentence;
+};
+std::vector<OptionFact> option_facts();
+
+// The ways to call kzb, a line each; what kzb is, in a sentence; and what its help says below the options.
+std::string usage_text();
+const char *description();
+const char *notes();
 
 } // namespace kzb::cli

@@ -1,5 +1,7 @@
 #include "host.h"
 
+#include "catalogue.h"
+
 #include <vector>
 
 namespace kzb::cli {
@@ -44,6 +46,23 @@ Value call(const Value &object, const char *method, std::initializer_list<Value>
     return call(object, method, std::span<const kzb_value>(borrowed(arguments)));
 }
 
+void assign(const Value &object, const char *method, std::span<const kzb_value> arguments, const Value &value) {
+    CallFailure failure = {};
+    if (!kzb_assign(object.get().object, method, arguments.data(), arguments.size(), &value.get(), &failure.error))
+        throw failure;
+}
+
+void assign(const Value &object, const char *method, std::initializer_list<Value> arguments, const Value &value) {
+    assign(object, method, std::span<const kzb_value>(borrowed(arguments)), value);
+}
+
+Value make(const char *class_name, std::span<const kzb_value> arguments) {
+    CallFailure failure = {};
+    KZBObject made = kzb_new(class_name, arguments.data(), arguments.size(), &failure.error);
+    if (made == nullptr) throw failure;
+    return Value::object(made);
+}
+
 Value call_shared(const char *class_name, const char *method, std::initializer_list<Value> arguments) {
     const std::vector<kzb_value> values = borrowed(arguments);
     kzb_value result = {};
@@ -58,6 +77,19 @@ int64_t property(const Value &object, const char *name) {
     if (!kzb_get(object.get().object, name, &result, &failure.error)) throw failure;
     const Value owned(result);
     return owned.get().integer;
+}
+
+void set_property(const Value &object, const char *name, int64_t number) {
+    CallFailure failure = {};
+    const Value value = Value::integer(number);
+    if (!kzb_set(object.get().object, name, &value.get(), &failure.error)) throw failure;
+}
+
+int64_t constant(const char *name) {
+    int64_t value = 0;
+    CallFailure failure = {};
+    if (!kzb_constant(picture_class, name, &value, &failure.error)) throw failure;
+    return value;
 }
 
 } // namespace kzb::cli

@@ -30,6 +30,10 @@ public:
     const kzb_value &get() const { return value_; }
     bool is_nil() const { return value_.kind == KZB_NIL; }
     KZBPicture as_picture() const { return reinterpret_cast<KZBPicture>(value_.object); }
+    KZBMemoryBlock as_block() const { return reinterpret_cast<KZBMemoryBlock>(value_.object); }
+
+    // Whether both refer to one object.
+    bool is(const Value &other) const { return value_.kind == KZB_OBJECT && other.value_.object == value_.object; }
 
 private:
     kzb_value value_ = {};
@@ -44,10 +48,21 @@ struct CallFailure {
 Value call(const Value &object, const char *method, std::span<const kzb_value> arguments);
 Value call(const Value &object, const char *method, std::initializer_list<Value> arguments = {});
 
+// `object.method(arguments) = value`.
+void assign(const Value &object, const char *method, std::span<const kzb_value> arguments, const Value &value);
+void assign(const Value &object, const char *method, std::initializer_list<Value> arguments, const Value &value);
+
+// `New class_name(arguments)`.
+Value make(const char *class_name, std::span<const kzb_value> arguments);
+
 // `class_name.method(arguments)`.
 Value call_shared(const char *class_name, const char *method, std::initializer_list<Value> arguments);
 
 // An Integer or Boolean property.
 int64_t property(const Value &object, const char *name);
+void set_property(const Value &object, const char *name, int64_t number);
+
+// `PictureKZB.constant`.
+int64_t constant(const char *name);
 
 } // namespace kzb::cli

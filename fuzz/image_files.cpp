@@ -54,7 +54,7 @@ struct Read {
 };
 
 Read read(const char *path) {
-    const kzb_read_options options = {most_pixels};
+    const kzb_read_options options = {most_pixels, nullptr};
     kzb_error error = {};
     KZBPicture read_picture = kzb_picture_read(path, &options, &error);
     if (read_picture == nullptr) {

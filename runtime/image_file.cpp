@@ -1,126 +1,150 @@
 #include "image_file.h"
 
+#include "error.h"
 #include "names.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <string_view>
 #include <system_error>
 
 namespace kzb {
 
 namespace {
 
-std::string error_text(int error) {
-    return std::generic_category().message(error);
-}
+constexpr ImageKind kinds[] = {
+    {"PNG", ".png.", "png:", true, false, make_png_writer},
+    {"JPEG", ".jpg.jpeg.", "jpg:jpeg:", false, false, make_jpeg_writer},
+    {"WebP", ".webp.", "webp:", true, false, make_webp_writer},
+    {"TIFF", ".tif.tiff.", "tif:tiff:", true, true, make_tiff_writer},
+    {"PNM", ".pnm.pam.", "pnm:pam:", true, false, make_pnm_writer},
+    {"PPM", ".ppm.", "ppm:", false, false, make_pnm_writer},
+};
+constexpr const ImageKind &standard_output_kind = kinds[4];
 
-bool fail_with(FileFailure &failure, kzb_status status, const char *path, const std::string &what) {
-    failure.status = status;
-    failure.message = std::string(path) + ": " + what;
+// Whether a list holds a word that ends with `end`, regardless of case.
+bool lists(std::string_view list, std::string_view word, char begin, char end) {
+    size_t at = begin ? 1 : 0;
+    while (at < list.size()) {
+        const size_t next = list.find(end, at);
+        if (same_name(list.substr(at, next - at), word)) return true;
+        at = next + 1;
+    }
     return false;
 }
 
-std::string size_text(uint64_t width, uint64_t height) {
-    return std::to_string(width) + " x " + std::to_string(height) + " pixels";
+struct Mark {
+    const char *format;
+    std::unique_ptr<ImageReader> (*make_reader)(ImageSource &);
+    bool (*begins)(const uint8_t *bytes, size_t count); // as far as there are bytes
+};
+
+bool starts_like(const uint8_t *bytes, size_t count, const char *start, size_t length) {
+    return std::memcmp(bytes, start, std::min(count, length)) == 0;
 }
 
-using Writer = bool (*)(ImageWriting &);
-
-Writer writer_for(std::string_view path) {
-    const size_t dot = path.rfind('.');
-    const std::string_view ending = dot == path.npos ? std::string_view() : path.substr(dot);
-    if (same_name(ending, ".png")) return write_png;
-    if (same_name(ending, ".jpg") || same_name(ending, ".jpeg")) return write_jpeg;
-    return nullptr;
-}
+constexpr size_t longest_mark = 12;
+constexpr Mark marks[] = {
+    {"PNG", make_png_reader,
+     [](const uint8_t *bytes, size_t count) { return starts_like(bytes, count, "\x89PNG\r\n\x1A\n", 8); }},
+    {"JPEG", make_jpeg_reader,
+     [](const uint8_t *bytes, size_t count) { return starts_like(bytes, count, "\xFF\xD8\xFF", 3); }},
+    {"WebP", make_webp_reader,
+     [](const uint8_t *bytes, size_t count) {
+         return starts_like(bytes, count, "RIFF", 4) && (count <= 8 || starts_like(bytes + 8, count - 8, "WEBP", 4));
+     }},
+    {"TIFF", make_tiff_reader,
+     [](const uint8_t *bytes, size_t count) {
+         return starts_like(bytes, count, "II*\0", 4) || starts_like(bytes, count, "MM\0*", 4) ||
+                starts_like(bytes, count, "II+\0", 4) || starts_like(bytes, count, "MM\0+", 4);
+     }},
+    {"PNM", make_pnm_reader,
+     [](const uint8_t *bytes, size_t count) {
+         const bool kind = count < 2 || (bytes[1] >= '1' && bytes[1] <= '7');
+         const bool space = count < 3 || bytes[2] == '#' || bytes[2] == ' ' || (bytes[2] >= '\t' && bytes[2] <= '\r');
+         return bytes[0] == 'P' && kind && space;
+     }},
+};
 
 } // namespace
 
-bool ImageReading::fail(kzb_status status, const std::string &what) {
-    return fail_with(failure, status, path, what);
-}
-
-bool ImageReading::fail_decoding(const char *reason) {
-    if (input.error()) return fail(KZB_ERROR_INPUT, "cannot be read: " + error_text(input.error()));
-    const std::string file = std::string("the ") + format + " file ";
-    if (input.ended()) return fail(KZB_ERROR_INPUT, file + "ends too early, a part of it is missing; copy it again");
-    return fail(KZB_ERROR_INPUT, file + "is damaged or of a kind that cannot be read (" + reason + ")");
-}
-
-bool ImageReading::size_fits(uint64_t width, uint64_t height) {
-    const bool fits = width <= INT32_MAX && height <= INT32_MAX;
-    if (fits && world_row_bytes(static_cast<int32_t>(width), static_cast<int32_t>(height), 32) != 0) return true;
-    return fail(KZB_ERROR_INPUT,
-                "the picture is too large for this program: " + size_text(width, height) + "; make it smaller");
-}
-
-bool ImageReading::make_worlds(uint64_t width, uint64_t height, bool alpha, ImageWorlds &worlds) {
-    if (!size_fits(width, height)) return false;
-    const std::string size = size_text(width, height);
-    if (width * height > max_pixels) {
-        return fail(KZB_ERROR_INPUT, "the picture is too large: " + size + ", and the limit is " +
-                                         std::to_string(max_pixels) + " pixels; make it smaller or raise the limit");
+const ImageKind *kind_to_write(std::string_view path) {
+    if (path == "-") return &standard_output_kind;
+    if (path.ends_with(":-")) {
+        for (const ImageKind &kind : kinds)
+            if (lists(kind.prefixes, path.substr(0, path.size() - 2), 0, ':')) return &kind;
+        return nullptr;
     }
-    worlds.picture = make_world(static_cast<int32_t>(width), static_cast<int32_t>(height), 32);
-    if (alpha) worlds.mask = make_world(static_cast<int32_t>(width), static_cast<int32_t>(height), 32);
-    if (worlds.picture && (worlds.mask || !alpha)) return true;
-    return fail(KZB_ERROR_MEMORY, "there is not enough memory for the picture's " + size);
+    const size_t dot = path.rfind('.');
+    if (dot == path.npos || path.find('/', dot) != path.npos) return nullptr;
+    for (const ImageKind &kind : kinds)
+        if (lists(kind.endings, path.substr(dot + 1), '.', '.')) return &kind;
+    return nullptr;
 }
 
-bool read_image(const char *path, uint64_t max_pixels, ImageWorlds &worlds, FileFailure &failure) {
-    InputFile input(path);
+const ImageKind *checked_kind(const char *path, const kzb_write_options *options, kzb_error *error) {
+    if (!path) {
+        fail(error, KZB_ERROR_USAGE, "the path of the file to write is nil");
+        return nullptr;
+    }
+    const int quality = quality_of(options);
+    if (quality < 1 || quality > 100) {
+        fail(error, KZB_ERROR_USAGE, "a file's quality is 1 to 100, not %d", quality);
+        return nullptr;
+    }
+    const ImageKind *kind = kind_to_write(path);
+    if (kind) return kind;
+    const bool stream = std::string_view(path).ends_with(":-");
+    fail(error, KZB_ERROR_USAGE,
+         stream ? "%s: before ':-' stands the kind of file to write: png, jpg, webp, tif, pnm or ppm"
+                : "%s: the name must end in .png, .jpg, .webp, .tif, .pnm or .ppm, which tells the kind of file to "
+                  "write",
+         path);
+    return nullptr;
+}
+
+ImageFileReader::ImageFileReader(const char *path, const ReadLimits &limits)
+    : input(path), source{std::strcmp(path, "-") == 0 ? "standard input" : path,
+                          input,
+                          limits.max_pixels,
+                          limits.whole_in_memory,
+                          limits.scratch,
+                          read_failure} {}
+
+bool ImageFileReader::start() {
+    const auto error_text = [&] { return std::generic_category().message(input.error()); };
+    if (input.error()) return source.fail(KZB_ERROR_INPUT, "cannot be opened: " + error_text());
+    input.peek(longest_mark);
     if (input.error()) {
-        return fail_with(failure, KZB_ERROR_INPUT, path, "cannot be opened: " + error_text(input.error()));
+        return source.fail(KZB_ERROR_INPUT, input.error() == EISDIR ? "is a folder, not a picture file"
+                                                                    : "cannot be read: " + error_text());
     }
-    static constexpr uint8_t png_start[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-    static constexpr uint8_t jpeg_start[] = {0xFF, 0xD8, 0xFF};
-    const bool longest = input.peek(sizeof png_start);
-    if (input.error()) {
-        const std::string what = input.error() == EISDIR ? "is a folder, not a picture file"
-                                                         : "cannot be read: " + error_text(input.error());
-        return fail_with(failure, KZB_ERROR_INPUT, path, what);
+    const size_t count = input.available();
+    if (count == 0) return source.fail(KZB_ERROR_INPUT, "the file is empty");
+    const Mark *mark = std::find_if(std::begin(marks), std::end(marks),
+                                    [&](const Mark &known) { return known.begins(input.next(), count); });
+    if (mark == std::end(marks)) {
+        return source.fail(KZB_ERROR_INPUT,
+                           "is no PNG, JPEG, WebP, TIFF or PNM file; convert it to one of these first");
     }
-    if (input.available() == 0) return fail_with(failure, KZB_ERROR_INPUT, path, "the file is empty");
-    const auto starts_like = [&](const uint8_t *start, size_t count) {
-        return std::memcmp(input.next(), start, std::min(count, input.available())) == 0;
-    };
-    const bool png = starts_like(png_start, sizeof png_start), jpeg = starts_like(jpeg_start, sizeof jpeg_start);
-    if (!png && !jpeg) {
-        return fail_with(failure, KZB_ERROR_INPUT, path,
-                         "is neither a PNG nor a JPEG file; convert it to one of these first");
-    }
-    ImageReading reading{path, png ? "PNG" : "JPEG", input, max_pixels, failure};
-    if (!longest) return reading.fail_decoding("too short");
-    ImageWorlds made;
-    if (!(png ? read_png(reading, made) : read_jpeg(reading, made))) return false;
-    worlds = std::move(made);
-    return true;
+    source.format = mark->format;
+    constexpr size_t shortest = 8;
+    if (count < shortest) return source.fail_decoding("too short");
+    reader = mark->make_reader(source);
+    return reader->start(read_info);
 }
 
-bool ImageWriting::fail(kzb_status status, const std::string &what) {
-    return fail_with(failure, status, path, what);
+ImageFileWriter::ImageFileWriter(const char *path, const ImageKind &kind, int quality, bool lossless)
+    : output(std::string_view(path).ends_with(":-") || std::strcmp(path, "-") == 0 ? "" : path, kind.seeks),
+      target{path, output, quality, lossless, write_failure}, writer(kind.make_writer(target)) {}
+
+bool ImageFileWriter::start(const ImageShape &shape) {
+    if (output.error()) return target.fail_encoding("");
+    return writer->start(shape);
 }
 
-bool ImageWriting::fail_encoding(const char *reason) {
-    if (output.error() == ENOENT) {
-        return fail(KZB_ERROR_OUTPUT, "cannot be written: its folder does not exist; make the folder first");
-    }
-    if (output.error() == EISDIR) return fail(KZB_ERROR_OUTPUT, "cannot be written: it is a folder; name a file in it");
-    return fail(KZB_ERROR_OUTPUT, "cannot be written: " + (output.error() ? error_text(output.error()) : reason));
-}
-
-bool write_image(const char *path, const GWorld &picture, const GWorld *mask, int quality, FileFailure &failure) {
-    const Writer write = writer_for(path);
-    if (!write) {
-        return fail_with(failure, KZB_ERROR_USAGE, path,
-                         "the name must end in .png, .jpg or .jpeg, which tells the kind of file to write");
-    }
-    OutputFile output(path);
-    ImageWriting writing{path, picture, mask, quality, output, failure};
-    if (output.error()) return writing.fail_encoding("");
-    if (!write(writing)) return false;
-    return output.commit() || writing.fail_encoding("");
+bool ImageFileWriter::finish() {
+    return writer->finish() && (output.commit() || target.fail_encoding(""));
 }
 
 } // namespace kzb

@@ -1,71 +1,78 @@
-// PNG and JPEG files, read into graphics worlds and written from them.
+// Image files of all kinds, opened for reading and made for writing, row by row.
 #ifndef KZB_RUNTIME_IMAGE_FILE_H
 #define KZB_RUNTIME_IMAGE_FILE_H
 
-#include "graphics_world.h"
-#include "input_file.h"
-#include "output_file.h"
+#include "image_codec.h"
 
-#include <picturekzb/runtime.h>
-
-#include <string>
+#include <string_view>
 
 namespace kzb {
 
-// What went wrong: one line that begins with the file's name.
-struct FileFailure {
-    kzb_status status = KZB_OK;
-    std::string message;
+struct ImageKind {
+    const char *name;
+    const char *endings;  // ".jpg.jpeg."
+    const char *prefixes; // "jpg:jpeg:", before "-"
+    bool alpha;           // whether it can hold any
+    bool seeks;           // its writer goes back to what it wrote
+    std::unique_ptr<ImageWriter> (*make_writer)(ImageTarget &);
 };
 
-// A picture of depth 32 and, where the file has alpha, its mask of the same depth and size (alpha in red, green, blue).
-struct ImageWorlds {
-    WorldOwner picture, mask;
+// The kind that a path's ending, or the prefix before "-" for standard output, asks for; "-" alone is an anymap. Nil:
+// no kind.
+const ImageKind *kind_to_write(std::string_view path);
+
+// The same with the caller's mistakes told; the path and the options may be nil.
+const ImageKind *checked_kind(const char *path, const kzb_write_options *options, kzb_error *error);
+
+inline int quality_of(const kzb_write_options *options) {
+    return options && options->quality ? options->quality : 90;
+}
+
+struct ReadLimits {
+    uint64_t max_pixels = INT32_MAX;
+    bool whole_in_memory = true;
+    std::string scratch;
 };
 
-// Both read a file of any length, tell PNG from JPEG by its first bytes, and leave `worlds` alone on failure. They
-// throw nothing but std::bad_alloc.
-bool read_image(const char *path, uint64_t max_pixels, ImageWorlds &worlds, FileFailure &failure);
+// A file that is being read; "-" is standard input. The kind is told by the first bytes.
+class ImageFileReader {
+public:
+    ImageFileReader(const char *path, const ReadLimits &limits);
 
-// `quality` is JPEG's, 1 to 100. `mask` may be nil, and of another size than the picture: beyond it the picture is
-// opaque.
-bool write_image(const char *path, const GWorld &picture, const GWorld *mask, int quality, FileFailure &failure);
+    bool start(); // false: failure() tells
+    bool read_row(uint8_t *row) { return reader->read_row(row); }
 
-// ------------------------------------------------------------------------------- between the formats and the above
+    const ImageInfo &info() const { return read_info; }
+    const char *format() const { return source.format; }
+    const FileFailure &failure() const { return read_failure; }
+    // Bytes of a packed row.
+    size_t row_bytes() const { return size_t{read_info.width} * (read_info.alpha ? 4 : 3); }
 
-// A format's reader: finds the input at the file's first byte.
-struct ImageReading {
-    const char *path;
-    const char *format; // "PNG", "JPEG"
-    InputFile &input;
-    uint64_t max_pixels;
-    FileFailure &failure;
-
-    // Whether a file's size fits this program; then the worlds for it. False: too large.
-    bool size_fits(uint64_t width, uint64_t height);
-    bool make_worlds(uint64_t width, uint64_t height, bool alpha, ImageWorlds &worlds);
-
-    // What a decoder that gave up reports: the file ended early, could not be read, or is damaged as `reason` says.
-    bool fail_decoding(const char *reason);
-    bool fail(kzb_status status, const std::string &what);
+private:
+    FileFailure read_failure;
+    InputFile input;
+    ImageSource source;
+    ImageInfo read_info;
+    std::unique_ptr<ImageReader> reader;
 };
 
-struct ImageWriting {
-    const char *path;
-    const GWorld &picture;
-    const GWorld *mask;
-    int quality;
-    OutputFile &output;
-    FileFailure &failure;
+// A file that is being written. Unless finish() succeeds, what had the name before stays.
+class ImageFileWriter {
+public:
+    ImageFileWriter(const char *path, const ImageKind &kind, int quality, bool lossless);
 
-    bool fail_encoding(const char *reason);
-    bool fail(kzb_status status, const std::string &what);
+    bool start(const ImageShape &shape); // false: failure() tells
+    bool write_row(const uint8_t *row) { return writer->write_row(row); }
+    bool finish();
+
+    const FileFailure &failure() const { return write_failure; }
+
+private:
+    FileFailure write_failure;
+    OutputFile output;
+    ImageTarget target;
+    std::unique_ptr<ImageWriter> writer;
 };
-
-bool read_png(ImageReading &reading, ImageWorlds &worlds);
-bool read_jpeg(ImageReading &reading, ImageWorlds &worlds);
-bool write_png(ImageWriting &writing);
-bool write_jpeg(ImageWriting &writing);
 
 } // namespace kzb
 

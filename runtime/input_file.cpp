@@ -1,6 +1,10 @@
 #include "input_file.h"
 
+#include "held_pixels.h"
+#include "standard_input.h"
+
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,10 +15,28 @@ namespace {
 
 constexpr size_t kBufferBytes = 1 << 16;
 
+int open_input(const char *path) {
+    if (std::strcmp(path, "-") != 0) return open(path, O_RDONLY | O_CLOEXEC);
+    const int standard_input = move_standard_input();
+    if (standard_input >= 0) return fcntl(standard_input, F_DUPFD_CLOEXEC, 3);
+    errno = EBADF;
+    return -1;
+}
+
+bool write_all(int descriptor, const uint8_t *bytes, size_t count) {
+    while (count > 0) {
+        const ssize_t written = write(descriptor, bytes, count);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        bytes += written;
+        count -= static_cast<size_t>(written);
+    }
+    return true;
+}
+
 } // namespace
 
-InputFile::InputFile(const char *path)
-    : buffer(new uint8_t[kBufferBytes]), descriptor(open(path, O_RDONLY | O_CLOEXEC)) {
+InputFile::InputFile(const char *path) : buffer(new uint8_t[kBufferBytes]), descriptor(open_input(path)) {
     struct stat status;
     if (descriptor < 0 || fstat(descriptor, &status) != 0) {
         failure = errno;
@@ -52,6 +74,39 @@ bool InputFile::peek(size_t count) {
         end += got;
     }
     return true;
+}
+
+bool InputFile::take_all(std::vector<uint8_t> &bytes, size_t most) {
+    while (fill()) {
+        if (available() > most - bytes.size()) {
+            failure = EFBIG;
+            return false;
+        }
+        bytes.insert(bytes.end(), next(), next() + available());
+        take(available());
+    }
+    return failure == 0;
+}
+
+int InputFile::seekable(const char *folder) {
+    if (length != UINT64_MAX) return descriptor;
+    const int copy = open_nameless_file(folder);
+    if (copy < 0) {
+        failure = errno;
+        return -1;
+    }
+    while (fill()) {
+        if (!write_all(copy, next(), available())) {
+            failure = errno;
+            close(copy);
+            return -1;
+        }
+        take(available());
+    }
+    at_end = false;
+    close(descriptor);
+    descriptor = copy;
+    return failure ? -1 : descriptor;
 }
 
 } // namespace kzb

@@ -1,10 +1,11 @@
-// A file that is read once from front to back through one buffer; it may be a pipe.
+// A file that is read once from front to back through one buffer; it may be a pipe, and "-" is standard input.
 #ifndef KZB_RUNTIME_INPUT_FILE_H
 #define KZB_RUNTIME_INPUT_FILE_H
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace kzb {
 
@@ -26,6 +27,13 @@ public:
     // Reads until `count` bytes (at most 64) are available, for looking at the start of the file; false: fewer are
     // left.
     bool peek(size_t count);
+
+    // All that is left, at most `most` bytes. False: the file could not be read, or has more.
+    bool take_all(std::vector<uint8_t> &bytes, size_t most);
+
+    // The file as one that can be read anywhere; a pipe is first copied into a file without a name in `folder`. -1:
+    // that failed, error() tells.
+    int seekable(const char *folder);
 
     // Why the file could not be opened or read, as an errno; 0: it could.
     int error() const { return failure; }

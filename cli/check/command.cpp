@@ -1,5 +1,6 @@
 #include "command.h"
 
+#include "../standard_output.h"
 #include "elf_file.h"
 #include "report.h"
 #include "runtime/names.h"
@@ -71,11 +72,6 @@ std::vector<const Check *> chosen_checks(const std::vector<std::string> &names) 
     for (const Check *check : all)
         if (names.empty() || std::find(names.begin(), names.end(), check->name) != names.end()) chosen.push_back(check);
     return chosen;
-}
-
-void print(const std::string &text) {
-    if (std::fputs(text.c_str(), stdout) == EOF || std::fflush(stdout) != 0)
-        fail(Exit::output, "standard output cannot be written");
 }
 
 // The absolute path of a file that is a library, of whatever machine.
@@ -165,7 +161,6 @@ std::optional<std::string> parse(std::vector<std::string> words, Request &reques
         ->type_name("S")
         ->check(CLI::Range(0.1, 86400.0).description(""));
     std::reverse(words.begin(), words.end()); // CLI11 takes them from the back
-    words.pop_back();                         // "check"
     try {
         app.parse(words);
     } catch (const CLI::CallForHelp &) {
@@ -178,12 +173,6 @@ std::optional<std::string> parse(std::vector<std::string> words, Request &reques
 }
 
 } // namespace
-
-bool is_check(const std::vector<std::string> &words) {
-    return !words.empty() && words[0] == "check" && std::none_of(words.begin(), words.end(), [](const auto &word) {
-        return word == ":" || word.starts_with("-o") || word.starts_with("--output");
-    });
-}
 
 Exit run_check(const std::vector<std::string> &words) {
     Request request;

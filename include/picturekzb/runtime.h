@@ -208,24 +208,77 @@ KZB_API GWorldPtr kzb_picture_world(KZBPicture picture);
 KZB_API KZBPicture kzb_picture_mask(KZBPicture picture);
 KZB_API void kzb_picture_set_mask(KZBPicture picture, KZBPicture mask);
 
-/* ---------------------------------------------------------------------------------------------- image files */
+/* ---------------------------------------------------------------------------------------------- image files
+ *
+ * PNG, JPEG, WebP, TIFF and portable anymaps (PNM). A file to read is told by its content. A file to write is told by
+ * its path's ending (.png, .jpg, .jpeg, .webp, .tif, .tiff, .pnm, .pam, .ppm); .pnm and .pam are written as the gray,
+ * colour or arbitrary map that the channels ask for, .ppm holds no alpha. The path "-" is standard input, as
+ * kzb_standard_input() gives it, or standard output, to which an anymap goes unless a kind stands before it ("png:-").
+ *
+ * A file is written whole under a temporary name beside it and then renamed, so that a failure leaves what was there
+ * before; only standard output and devices are written to as they are. */
 
 typedef struct kzb_read_options {
-    uint64_t max_pixels; /* refuse larger pictures; 0: 2^31 - 1 */
+    uint64_t max_pixels;        /* refuse larger pictures; 0: 2^31 - 1 */
+    const char *scratch_folder; /* where pixels are kept that must be held whole (interlaced PNG, WebP); nil: memory */
 } kzb_read_options;
 
 typedef struct kzb_write_options {
-    int quality; /* JPEG, 1 to 100; 0: 90 */
+    int quality;  /* JPEG and WebP, 1 to 100; 0: 90 */
+    int lossless; /* WebP: every pixel as it is, and `quality` the effort */
 } kzb_write_options;
 
-/* Reads a PNG or JPEG file (told by its content) into a picture of depth 32; a file's alpha becomes the mask. 16-bit,
- * palette, gray and interlaced PNG and gray, CMYK and YCCK JPEG are read too. Options may be nil. */
+/* Reads a file into a picture of depth 32, upright; a file's alpha becomes the mask. Options may be nil. Of PNG,
+ * 16-bit, palette, gray and interlaced files are read too, of JPEG gray, CMYK and YCCK. */
 KZB_API KZBPicture kzb_picture_read(const char *path, const kzb_read_options *options, kzb_error *error);
 
-/* Writes a picture as PNG or JPEG, told by the path's ending (.png, .jpg, .jpeg). PNG: RGB, with the mask as alpha
- * where there is one. JPEG: the mask is left out. The file is written whole under a temporary name beside it and then
- * renamed, so that a failure leaves what was there before. */
+/* Writes a picture: colours and, where it has a mask and the kind of file holds alpha, the mask. */
 KZB_API int kzb_picture_write(KZBPicture picture, const char *path, const kzb_write_options *options, kzb_error *error);
+
+/* Row by row, for pictures that need not fit into memory. A row is packed: a byte for each channel of each pixel. */
+typedef struct kzb_image_info {
+    int32_t width, height;
+    int32_t channels;    /* 3 red green blue, 4 and alpha; written also 1 gray, 2 gray and alpha */
+    int32_t orientation; /* 1 to 8 as in Exif: how the rows, which come as stored, are to be turned */
+    const void *profile; /* the ICC colour profile, nil for none; of a reader, valid as long as it */
+    size_t profile_size;
+    const char *format; /* "PNG", "JPEG" ...; not looked at when writing */
+} kzb_image_info;
+
+typedef struct kzb_image_reader kzb_image_reader;
+typedef struct kzb_image_writer kzb_image_writer;
+
+/* Opens a file and reads up to its pixels. Options may be nil. */
+KZB_API kzb_image_reader *kzb_image_open(const char *path, const kzb_read_options *options, kzb_image_info *info,
+                                         kzb_error *error);
+
+/* The next row from the top. The last one succeeds only when the file is sound to its end. */
+KZB_API int kzb_image_read_row(kzb_image_reader *reader, void *row, kzb_error *error);
+
+/* Nil is ignored. */
+KZB_API void kzb_image_close(kzb_image_reader *reader);
+
+typedef struct kzb_image_kind {
+    const char *name; /* "PNG", "JPEG" ... */
+    int holds_alpha;
+} kzb_image_kind;
+
+/* What would be written to a path; fails for an ending that tells no kind. */
+KZB_API int kzb_image_kind_of(const char *path, kzb_image_kind *kind, kzb_error *error);
+
+/* Begins a file of `height` rows. Alpha in a kind of file that holds none is the caller's mistake. */
+KZB_API kzb_image_writer *kzb_image_create(const char *path, const kzb_image_info *info,
+                                           const kzb_write_options *options, kzb_error *error);
+KZB_API int kzb_image_write_row(kzb_image_writer *writer, const void *row, kzb_error *error);
+
+/* After the last row: gives the file its name. The writer is gone then, also when that fails. */
+KZB_API int kzb_image_finish(kzb_image_writer *writer, kzb_error *error);
+
+/* Gives the file up; nil is ignored. */
+KZB_API void kzb_image_discard(kzb_image_writer *writer);
+
+/* Deletes the temporary names of all files that are being written, for a signal handler that ends the process. */
+KZB_API void kzb_remove_unfinished_files(void);
 
 /* --------------------------------------------------------------------------------------------------- yields */
 

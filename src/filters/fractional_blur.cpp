@@ -15,7 +15,7 @@ namespace {
 using kernels::ThreeTaps;
 
 ThreeTaps taps_of(double radius) {
-    const double f = std::isfinite(radius) && radius > 0 ? radius - std::floor(radius) : 0;
+    const double f = std::isfinite(radius) ? radius - std::floor(radius) : 0;
     return {f, 1 / (2 * f + 1)};
 }
 

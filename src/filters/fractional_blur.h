@@ -6,9 +6,9 @@
 namespace kzb {
 
 // Each channel, alpha included, is drawn toward its neighbours above and below, then toward those left and right:
-// trunc((c + (p + q) f) / (2 f + 1)), f being the fraction of Radius alone, 0 for one that is negative or not finite.
-// The first row and the last column take themselves for both neighbours, the last row and the first column for the one
-// that is missing.
+// trunc((c + (p + q) f) / (2 f + 1)), f being what Radius exceeds the whole number below it by, 0 for a Radius that is
+// not finite. The first row and the last column take themselves for both neighbours, the last row and the first column
+// for the one that is missing.
 //
 // Writes into `dest`, which is not looked at in size and layout and may be the image itself, or for nil into a new
 // image of the image's size and layout, and gives it; nil when one of the two is not usable. A layout that is neither

@@ -12,11 +12,15 @@ public:
     // Empty lists, one for each of `outputs` pixels made from `inputs`. Where the memory cannot be had they stay empty.
     Contributions(const ScaleKernel &kernel, int32_t outputs, int32_t inputs);
 
-    // Fills the list of an output pixel, in ascending order of input pixels and without weights of 0.
+    // Fills the list of an output pixel, in ascending order of input pixels.
     void build(int32_t output);
 
     // Whether there is memory for the lists.
-    explicit operator bool() const { return static_cast<bool>(entries_); }
+    explicit operator bool() const { return static_cast<bool>(weights_); }
+
+    // Whether each list built so far is one of a filter's ordinary ones: not empty, with a sum that is neither tiny nor
+    // small beside its weights. Means then stay far from the ends of the numbers' range.
+    bool ordinary() const { return weights_ && ordinary_; }
 
     kernels::ContributionList operator[](int32_t output) const;
     // All lists; none without memory.
@@ -34,7 +38,8 @@ private:
     int32_t inputs_;
     double scale_;
     Buffer<kernels::ContributionList> lists_;
-    Buffer<kernels::Contribution> entries_;
+    Buffer<double> weights_;
+    bool ordinary_ = true;
 };
 
 } // namespace kzb

@@ -1,9 +1,9 @@
 #include "geometry/scale_kernels.h"
 
-#include "geometry/sine.h"
+#include "kernels/windowed_sinc.h"
 
+#include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace kzb {
 
@@ -18,20 +18,12 @@ double box(double distance) {
     return std::abs(distance) <= 0.5 ? 1.0 : 0.0;
 }
 
-double sinc(double t) {
-    if (t == 0) return 1.0;
-    const double angle = std::numbers::pi * t;
-    return sine(angle) / angle;
-}
-
 double lanczos3(double distance) {
-    const double x = std::abs(distance);
-    return x < 3 ? sinc(x) * sinc(x / 3) : 0.0;
+    return kernels::windowed_sinc(distance, 3);
 }
 
 double lanczos8(double distance) {
-    const double x = std::abs(distance);
-    return x < 8 ? sinc(x) * sinc(x * 0.125) : 0.0;
+    return kernels::windowed_sinc(distance, 8);
 }
 
 double mitchell(double distance) {
@@ -56,16 +48,28 @@ double cubic(double distance) {
     return 0.0;
 }
 
+template <double weight(double)> void each(double *distances, size_t count) {
+    for (size_t i = 0; i < count; ++i) distances[i] = weight(distances[i]);
+}
+
+template <int reach> void windowed(double *distances, size_t count) {
+    constexpr size_t together = kernels::weights_together;
+    const size_t rounded = (count + together - 1) / together * together;
+    std::fill(distances + count, distances + rounded, double{reach});
+    kernels::windowed_sincs(distances, reach, rounded);
+}
+
 // In the order of the modes. Poly3 looks farther than it reaches; the pixels beyond 2 weigh 0.
-constexpr ScaleKernel kernels[] = {
-    {1, triangle}, {0.5, box}, {3, lanczos3}, {8, lanczos8}, {2, mitchell}, {4, poly3}, {3, cubic},
+constexpr ScaleKernel scale_kernels[] = {
+    {1, triangle, each<triangle>}, {0.5, box, each<box>},   {3, lanczos3, windowed<3>}, {8, lanczos8, windowed<8>},
+    {2, mitchell, each<mitchell>}, {4, poly3, each<poly3>}, {3, cubic, each<cubic>},
 };
 
 } // namespace
 
 const ScaleKernel *scale_kernel(int32_t mode) {
-    constexpr auto count = static_cast<int32_t>(sizeof kernels / sizeof kernels[0]);
-    return mode >= 1 && mode <= count ? &kernels[mode - 1] : nullptr;
+    constexpr auto count = static_cast<int32_t>(sizeof scale_kernels / sizeof scale_kernels[0]);
+    return mode >= 1 && mode <= count ? &scale_kernels[mode - 1] : nullptr;
 }
 
 } // namespace kzb

@@ -1,6 +1,7 @@
 // The reconstruction filters of filtered scaling.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace kzb {
@@ -11,6 +12,8 @@ struct ScaleKernel {
     double support;
     // The weight of an input pixel at this distance; 0 outside the filter.
     double (*weight)(double distance);
+    // Replaces the distances by their weights. Room for a multiple of kernels::weights_together of them is overwritten.
+    void (*weigh)(double *distances, size_t count);
 };
 
 // The filter of a mode, ScaleTriangle (1) to ScaleCubic (7); nil for another number.

@@ -85,8 +85,9 @@ bool HorizontalPass::make_row_plainly(int32_t row) const {
             double sum = 0;
             for (int32_t k = 0; k < list.count; ++k) {
                 double value;
-                if (!read(list.entries[k].index, row, lane, value)) return false;
-                sum += list.entries[k].weight * value;
+                if (list.weights[k] == 0) continue;
+                if (!read(list.first + k, row, lane, value)) return false;
+                sum += list.weights[k] * value;
             }
             const int32_t slot = slot_of(lane);
             used[slot] = true;
@@ -139,10 +140,11 @@ bool VerticalPass::make_row(int32_t row) const {
         const auto count = static_cast<size_t>(std::min(strip_, width_ - x));
         std::fill_n(sums_.get(), count * lane_count, 0.0);
         for (int32_t k = 0; k < list.count; ++k) {
-            const uint8_t *pixels = temp_.row_accessor(temp_, list.entries[k].index);
+            if (list.weights[k] == 0) continue;
+            const uint8_t *pixels = temp_.row_accessor(temp_, list.first + k);
             if (pixels == nullptr) return false;
             pixels += static_cast<size_t>(x) * kernels::working_pixel_size;
-            kernels::add_weighted(sums_.get(), lane_count, pixels, list.entries[k].weight, count);
+            kernels::add_weighted(sums_.get(), lane_count, pixels, list.weights[k], count);
         }
         kernels::finish_means(bytes_.get(), sums_.get(), list.sum, count * lane_count);
         uint8_t *target = destination_.row_accessor(destination_, row);
@@ -162,11 +164,12 @@ bool VerticalPass::make_row_plainly(int32_t row) const {
         for (Channel lane : carried_.lanes) {
             double sum = 0;
             for (int32_t k = 0; k < list.count; ++k) {
-                const uint8_t *address = float_at(temp_, x, list.entries[k].index, slot_of(lane));
+                if (list.weights[k] == 0) continue;
+                const uint8_t *address = float_at(temp_, x, list.first + k, slot_of(lane));
                 if (address == nullptr) return false;
                 float value;
                 std::memcpy(&value, address, sizeof value);
-                sum += list.entries[k].weight * value;
+                sum += list.weights[k] * value;
             }
             const auto byte = static_cast<uint8_t>(kernels::weighted_mean(sum, list.sum));
             for (Channel channel : carried_.targets_of(lane)) {

@@ -1,96 +1,19 @@
 #include "geometry/sine.h"
 
-#include <cmath>
+#include "kernels/sine_series.h"
 
 namespace kzb {
 
-namespace {
-
-// A number held as the sum of two doubles that do not overlap: about 106 bits.
-struct Double2 {
-    double high, low;
-};
-
-Double2 sum(double a, double b) {
-    const double high = a + b;
-    const double part = high - a;
-    return {high, (a - (high - part)) + (b - part)};
+double sine(double angle) {
+    return kernels::sine_of(angle, 0).high;
 }
 
-// The same where a is not smaller in magnitude.
-Double2 ordered_sum(double a, double b) {
-    const double high = a + b;
-    return {high, b - (high - a)};
+double cosine(double angle) {
+    return kernels::sine_of(angle, 1).high;
 }
 
-// The upper 26 bits of a double, so that products of halves are exact.
-double upper_half(double a) {
-    const double scaled = a * 134217729.0;
-    return scaled - (scaled - a);
+double tangent(double angle) {
+    return kernels::quotient(kernels::sine_of(angle, 0), kernels::sine_of(angle, 1)).high;
 }
-
-Double2 product(double a, double b) {
-    const double high = a * b;
-    const double a1 = upper_half(a), a2 = a - a1;
-    const double b1 = upper_half(b), b2 = b - b1;
-    return {high, ((a1 * b1 - high) + a1 * b2 + a2 * b1) + a2 * b2};
-}
-
-Double2 product(Double2 a, Double2 b) {
-    const Double2 upper = product(a.high, b.high);
-    return ordered_sum(upper.high, upper.low + (a.high * b.low + a.low * b.high));
-}
-
-Double2 quotient(Double2 a, double b) {
-    const double high = a.high / b;
-    const Double2 back = product(high, b);
-    return ordered_sum(high, ((a.high - back.high) - back.low + a.low) / b);
-}
-
-Double2 quotient(Double2 a, Double2 b) {
-    const double high = a.high / b.high;
-    const Double2 back = product({high, 0.0}, b);
-    return ordered_sum(high, ((a.high - back.high) - back.low + a.low) / b.high);
-}
-
-Double2 one_minus(Double2 a) {
-    const Double2 upper = ordered_sum(1.0, -a.high);
-    return ordered_sum(upper.high, upper.low - a.low);
-}
-
-// 1 - s/(n(n+1)) (1 - s/((n+2)(n+3)) (1 - ...)) for s up to (π/4)²: the cosine for n = 1, the sine over its angle for
-// n = 2. The far factors matter so little that doubles hold them.
-Double2 alternating_series(Double2 square, int n) {
-    constexpr int exact_factors = 5, factors = 11;
-    double tail = 1.0;
-    int k = n + 2 * (factors - 1);
-    for (; k >= n + 2 * exact_factors; k -= 2) tail = 1.0 - square.high * tail / (k * (k + 1));
-    Double2 series = {tail, 0.0};
-    for (; k >= n; k -= 2) series = one_minus(quotient(product(square, series), k * (k + 1)));
-    return series;
-}
-
-// π/2 in three parts; the first two have 40 bits, so that their products with a count of turns are exact.
-constexpr double half_pi[] = {0x1.921fb54442p+0, 0x1.a308d31318p-41, 0x1.8a2e03707344ap-81};
-
-// The sine of an angle and so many quarter turns.
-Double2 sine_of(double angle, int quarter_turns) {
-    const double turns = std::nearbyint(angle / half_pi[0]);
-    const Double2 most = sum(angle - turns * half_pi[0], -turns * half_pi[1]);
-    const Double2 rest = ordered_sum(most.high, most.low - turns * half_pi[2]);
-    const Double2 square = product(rest, rest);
-    const int quarter = (static_cast<int>(turns) + quarter_turns) & 3;
-    const Double2 magnitude =
-        quarter % 2 == 0 ? product(rest, alternating_series(square, 2)) : alternating_series(square, 1);
-    return quarter < 2 ? magnitude : Double2{-magnitude.high, -magnitude.low};
-}
-
-} // namespace
-
-double sine(double angle) { return sine_of(angle, 0).high; }
-
-double cosine(double angle) { return sine_of(angle, 1).high; }
-
-double tangent(double angle) { return quotient(sine_of(angle, 0), sine_of(angle, 1)).high; }
 
 } // namespace kzb

@@ -14,11 +14,10 @@ ImageReference ask(FactoryObject factory, int32_t width, int32_t height, int32_t
     // The handler may replace the factory.
     auto held = Reference<FactoryObject>::share(factory);
     if (!held) return {};
-    auto *handler =
-        reinterpret_cast<NewPictureKZBHandler *>(GetEventInstance(as_object(factory), &new_picture_event));
+    auto *handler = reinterpret_cast<NewPictureKZBHandler *>(GetEventInstance(as_object(factory), &new_picture_event));
     if (handler == nullptr) return {};
-    auto image = ImageReference::adopt(
-        reinterpret_cast<ImageObject>(handler(as_object(factory), width, height, image_format)));
+    auto image =
+        ImageReference::adopt(reinterpret_cast<ImageObject>(handler(as_object(factory), width, height, image_format)));
     if (!image || !record_of(image.get())->Valid) return {};
     return image;
 }
@@ -26,9 +25,10 @@ ImageReference ask(FactoryObject factory, int32_t width, int32_t height, int32_t
 } // namespace
 
 void set_factory(FactoryObject factory) {
-    // Adopted only at the end: dropping it may run user code.
-    auto old = Reference<FactoryObject>::adopt(std::exchange(current_factory, nullptr));
-    current_factory = Reference<FactoryObject>::share(factory).release();
+    Reference<FactoryObject>::adopt(std::exchange(current_factory, nullptr)).reset();
+    // Dropping it may have run user code that set another.
+    const auto replaced = Reference<FactoryObject>::adopt(
+        std::exchange(current_factory, Reference<FactoryObject>::share(factory).release()));
 }
 
 ImageReference create_image(const ImageRecord *asking, int32_t width, int32_t height, int32_t image_format) {
@@ -41,6 +41,10 @@ ImageReference create_image(const ImageRecord *asking, int32_t width, int32_t he
     construct_in_memory(image.get(), width, height, image_format);
     if (!record_of(image.get())->Valid) return {};
     return image;
+}
+
+bool may_ask_program(const ImageRecord *asking) {
+    return current_factory != nullptr || (asking != nullptr && asking->Factory != nullptr);
 }
 
 ImageObject create_picture(ImageObject image, int32_t width, int32_t height, int32_t image_format) {

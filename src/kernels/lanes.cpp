@@ -12,9 +12,7 @@ template <class Pass> void for_each_lane(size_t count, Pass pass) {
     for (size_t lane = 0; start + lane < count; ++lane) pass(start + lane, lane);
 }
 
-} // namespace
-
-void change_lanes(uint8_t *bytes, size_t count, const Lanes &keep, const Lanes &flip) {
+void change_lanes_plainly(uint8_t *bytes, size_t count, const Lanes &keep, const Lanes &flip) {
     // Copies, which the bytes cannot alias.
     const Lanes kept = keep;
     const Lanes flipped = flip;
@@ -25,13 +23,18 @@ void change_lanes(uint8_t *bytes, size_t count, const Lanes &keep, const Lanes &
     });
 }
 
-void copy_lanes(uint8_t *__restrict target, const uint8_t *__restrict source, size_t count, const Lanes &keep,
-                const Lanes &flip) {
+void copy_lanes_plainly(uint8_t *__restrict target, const uint8_t *__restrict source, size_t count, const Lanes &keep,
+                        const Lanes &flip) {
     const Lanes kept = keep;
     const Lanes flipped = flip;
     for_each_lane(count, [&](size_t at, size_t lane) {
         target[at] = static_cast<uint8_t>((target[at] & kept[lane]) | ((source[at] & ~kept[lane]) ^ flipped[lane]));
     });
 }
+
+} // namespace
+
+decltype(change_lanes) change_lanes = compiled<change_lanes_plainly>();
+decltype(copy_lanes) copy_lanes = compiled<copy_lanes_plainly>();
 
 } // namespace kzb::kernels

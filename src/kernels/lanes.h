@@ -1,6 +1,8 @@
 // Rows of pixels as plain bytes, under a pattern that repeats from pixel to pixel.
 #pragma once
 
+#include "kernels/row_function.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -12,10 +14,12 @@ inline constexpr size_t lane_period = 48;
 using Lanes = std::array<uint8_t, lane_period>;
 
 // Each byte b becomes (b & keep) ^ flip.
-void change_lanes(uint8_t *bytes, size_t count, const Lanes &keep, const Lanes &flip);
+extern const RowFunction<void(uint8_t *bytes, size_t count, const Lanes &keep, const Lanes &flip)> change_lanes;
 
 // Each byte t of the target becomes (t & keep) | ((s & ~keep) ^ flip), s being the source's. The two have no bytes in
 // common.
-void copy_lanes(uint8_t *target, const uint8_t *source, size_t count, const Lanes &keep, const Lanes &flip);
+extern const RowFunction<void(uint8_t *target, const uint8_t *source, size_t count, const Lanes &keep,
+                              const Lanes &flip)>
+    copy_lanes;
 
 } // namespace kzb::kernels

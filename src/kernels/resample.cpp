@@ -14,11 +14,9 @@ template <size_t lane_count>
 void weigh(uint8_t *target, const double *lanes, const ContributionList *lists, size_t count) {
     for (; count != 0; --count, ++lists, target += working_pixel_size) {
         double sums[lane_count] = {};
-        const Contribution *entry = lists->entries;
-        for (const Contribution *end = entry + lists->count; entry != end; ++entry) {
-            const double *pixel = lanes + static_cast<size_t>(entry->index) * lane_count;
-            for (size_t lane = 0; lane < lane_count; ++lane) sums[lane] += entry->weight * pixel[lane];
-        }
+        const double *input = lanes + static_cast<size_t>(lists->first) * lane_count;
+        for (int32_t k = 0; k < lists->count; ++k, input += lane_count)
+            for (size_t lane = 0; lane < lane_count; ++lane) sums[lane] += lists->weights[k] * input[lane];
         float pixel[4] = {};
         for (size_t lane = 0; lane < lane_count; ++lane)
             pixel[first_slot<lane_count> + lane * slot_step<lane_count>] =

@@ -1,22 +1,23 @@
-// Weighted means of pixels, in double precision.
+// Weighted means of pixels, in double precision, a row at a time.
 //
 // A pixel between the passes is 16 bytes, four native floats: red, green, blue, alpha; gray lies in the second. Rows of
 // lanes are doubles, pixel by pixel, 4, 2 or 1 for each: all four floats; gray and alpha; gray.
 #pragma once
+
+#include "kernels/divisor.h"
 
 #include <cstddef>
 #include <cstdint>
 
 namespace kzb::kernels {
 
-struct Contribution {
-    double weight;
-    int32_t index; // of the input pixel
-};
-
+// The input pixels of an output pixel: a run of them, with a weight for each. Weights of 0 inside the run count for
+// nothing, whatever the pixel.
 struct ContributionList {
-    const Contribution *entries;
-    double sum; // of the weights
+    const double *weights;
+    double sum;      // of the weights
+    Divisor divisor; // the same
+    int32_t first;   // input pixel
     int32_t count;
 };
 

@@ -80,7 +80,7 @@ TEST_F(ExitCodes, Is3WhenTheInputCannotBeRead) {
     expect_failure({"none.png", "-o", "out.png"}, 3, {"none.png", "No such file"});
     expect_failure({".", "-o", "out.png"}, 3, {".: is a folder"});
     write_file("text.png", "This is no picture.");
-    expect_failure({"text.png", "-o", "out.png"}, 3, {"text.png", "neither a PNG nor a JPEG"});
+    expect_failure({"text.png", "-o", "out.png"}, 3, {"text.png", "no PNG, JPEG, WebP, TIFF or PNM"});
     write_file("empty.png", "");
     expect_failure({"empty.png", "-o", "out.png"}, 3, {"empty.png", "empty"});
     const std::string whole = read_file("plain.png");

@@ -42,12 +42,12 @@ TEST_F(Mistakes, InTheFrameOfTheLine) {
         {{":", "HMirror", "-o", "out.png"}, {"there is no INPUT"}},
         {{"plain.png"}, {"the OUTPUT is missing", "-o FILE"}},
         {{"plain.png", ":", "Invert"}, {"the OUTPUT is missing"}},
-        {{"plain.png", "Invert", "-o", "out.png"}, {"plain.png", "'Invert'", "':' that stands alone"}},
         {{"plain.png", ":Invert", "-o", "out.png"}, {"':Invert'", "':' that stands alone"}},
         {{"plain.png", ":", "-o", "out.png"}, {"step 1 is empty"}},
         {{"plain.png", ":", "Invert", ":", ":", "Invert", "-o", "out.png"}, {"step 2 is empty"}},
-        {{"list", "tone"}, {"'kzb list' takes nothing", "kzb help tone"}},
-        {{"help", "Invert", "Row"}, {"one METHOD"}},
+        {{"list", "quantum"}, {"'quantum'", "'kzb list' shows all"}},
+        {{"list", "tone", "size"}, {"'kzb list --help'"}},
+        {{"help", "Invert", "Row"}, {"'kzb help --help'"}},
     });
 }
 
@@ -69,9 +69,9 @@ TEST_F(Mistakes, InOptions) {
 
 TEST_F(Mistakes, InTheEndingOfTheOutputAreToldBeforeAnyWork) {
     expect({
-        {{"none.png", "-o", "out.bmp"}, {"out.bmp", ".png, .jpg or .jpeg"}},
-        {{"none.png", "-o", "out"}, {"out:", ".png, .jpg or .jpeg"}},
-        {{"none.png", "-o", "a.png/out"}, {"a.png/out:", ".png, .jpg or .jpeg"}},
+        {{"none.png", "-o", "out.bmp"}, {"out.bmp", ".png, .jpg, .webp, .tif, .pnm or .ppm"}},
+        {{"none.png", "-o", "out"}, {"out:", ".png, .jpg, .webp, .tif, .pnm or .ppm"}},
+        {{"none.png", "-o", "a.png/out"}, {"a.png/out:", ".png, .jpg, .webp, .tif, .pnm or .ppm"}},
     });
 }
 
@@ -84,13 +84,46 @@ TEST_F(Mistakes, InTheNameOfAMethod) {
     });
 }
 
-TEST_F(Mistakes, MethodsThatCannotBeStepsSayWhy) {
+TEST_F(Mistakes, WhatAChainCannotGoOnWithMustBeKept) {
     expect({
-        in_step({"Constructor", "1", "1", "1"}, {"step 1, Constructor", "makes a picture"}),
-        in_step({"Close"}, {"ends a picture"}),
-        in_step({"RawRow", "1"}, {"gives a memoryblock"}),
-        in_step({"DataStringInFormat", "1"}, {"gives a string"}),
-        in_step({"DrawPictureRGB", "nil", "0", "0", "1", "1"}, {"needs pic, a picture"}),
+        in_step({"RawRow", "1"}, {"gives a memoryblock", "keep it under a name", "write RawRow index =NAME"}),
+        in_step({"DataStringInFormat", "1"}, {"gives a string", "keep it"}),
+        in_step({"Row", "1", "=line", ":", "@line"}, {"step 2, @line", "line is a memoryblock, no picture"}),
+        in_step({"Row", "1", "value=@line"}, {"keeps anything as line"}),
+        in_step({"Row", "1", "value=7"}, {"value must be a kept memoryblock, @name, not '7'"}),
+        in_step({"=p", ":", "Row", "1", "value=@p"}, {"value must be a memoryblock, and p is a PictureKZB"}),
+        in_step({"Row", "1", "=a", ":", "Row", "1", "value=@a", "=b"}, {"takes a value and so gives none"}),
+    });
+}
+
+TEST_F(Mistakes, InNamesThatAreKeptAndRecalled) {
+    expect({
+        in_step({"=soft", ":", "@sof"}, {"step 2, @sof", "keeps anything as sof; did you mean soft?"}),
+        in_step({"@soft"}, {"keeps anything as soft", "': =soft'"}),
+        in_step({"@soft", ":", "=soft"}, {"step 1, @soft"}),
+        in_step({"=", ":", "Invert"}, {"'='", "needs a name"}),
+        in_step({"=a b"}, {"'=a b'", "needs a name"}),
+        in_step({"=soft", "Invert"}, {"'Invert' is more than it takes"}),
+        in_step({"Invert", "=2"}, {"'=2'", "needs a name"}),
+        in_step({"=soft", ":", "UnsharpFilter", "@sot", "0.6", "3"},
+                {"argument origpixels must be a kept picture, @name", "did you mean soft?",
+                 "Write UnsharpFilter origpixels Amount Threshold"}),
+        in_step({"UnsharpFilter", "0.6", "3"},
+                {"argument origpixels must be a kept picture, @name, not '0.6'", "write UnsharpFilter"}),
+        in_step({"=soft", ":", "FillRect", "@soft"}, {"the argument value must be ", "a whole number"}),
+        in_step({"CopyPixels", "source=nil"}, {"argument source must be a kept picture", "not 'nil'"}),
+        in_step({"DrawPictureRGB", "nil", "0", "0", "1", "1"}, {"argument pic must be a kept picture"}),
+    });
+}
+
+TEST_F(Mistakes, ConstantsOfAnotherFamily) {
+    expect({
+        in_step({"Scale", "ImageFormatRGB", "3", "3"},
+                {"argument mode must be a constant Scale...", "'ImageFormatRGB'"}),
+        in_step({"Scale", "ScaleBux", "3", "3"}, {"argument mode must be a constant Scale...", "'ScaleBux' is neither",
+                                                  "did you mean ScaleBox?", "Write Scale mode width height"}),
+        in_step({"DitherFilter", "ScaleBox", "3"}, {"argument matrix must be a constant Dither..."}),
+        in_step({"FillRectRGB", "FillColor=orandge"}, {"argument FillColor must be a colour", "did you mean orange?"}),
     });
 }
 

@@ -88,7 +88,7 @@ TEST_F(Pictures, GoOnAsTheyAreAfterAStepInPlace) {
 
 TEST_F(Pictures, GoOnAfterAStepThatGivesTrue) {
     // Against itself a picture stays as it is.
-    EXPECT_EQ(result("plain.png", {":", "UnsharpFilter", "0.5", "0"}), plain_sample());
+    EXPECT_EQ(result("plain.png", {":", "=p", ":", "UnsharpFilter", "@p", "0.5", "0"}), plain_sample());
 }
 
 TEST_F(Pictures, MayBeViewsWhoseParentNobodyElseHolds) {
@@ -184,10 +184,11 @@ TEST_F(Pictures, AreFollowedStepByStepWithVerbose) {
         run({"-v", "plain.png", ":", "RedChannel", ":", "ClipImage", "1", "1", "2", "3", "-o", "out.png"});
     EXPECT_EQ(outcome.exit, 0);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 4) << outcome.err;
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 5) << outcome.err;
     for (const char *part : {" ms  read plain.png: 7 x 5 pixels, ImageFormatRGB\n",
                              " ms  step 1, RedChannel: 7 x 5 pixels, ImageFormatG\n",
-                             " ms  step 2, ClipImage 1 1 2 3: 2 x 3 pixels, ImageFormatG\n", " ms  wrote out.png\n"})
+                             " ms  step 2, ClipImage 1 1 2 3: 2 x 3 pixels, ImageFormatG\n", " ms  wrote out.png\n",
+                             " ms  in all: reading "})
         EXPECT_NE(outcome.err.find(part), std::string::npos) << part << outcome.err;
 }
 

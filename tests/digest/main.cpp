@@ -1,9 +1,14 @@
 // byte_digests         prints one line per operation: its digest and its name
 // byte_digests FILE    fails where the lines of FILE say otherwise
 // byte_digests --each  prints one line per operation, layout, size and storage, to look where two builds differ
+//
+// Where KZB_ISA names an instruction set that this processor runs, the module must use that one.
 
 #include "digest/digest.h"
 
+#include "kernels/level.h"
+
+#include <cstdlib>
 #include <fstream>
 #include <iomanip>
 #include <iostream>
@@ -94,8 +99,28 @@ int run(const char *argument) {
     return right ? 0 : 1;
 }
 
+std::string announced_level;
+
+bool level_as_asked() {
+    const char *asked = std::getenv("KZB_ISA");
+    std::string expected;
+    for (kernels::Level level : {kernels::Level::baseline, kernels::Level::avx2, kernels::Level::avx512}) {
+        if (!kernels::runs(level)) continue;
+        expected = kernels::name_of(level);
+        if (asked != nullptr && expected == asked) break;
+    }
+    const bool right = announced_level == expected;
+    (right ? std::cout : std::cerr) << "instruction set " << announced_level
+                                    << (right ? "\n" : " instead of " + expected + '\n');
+    return right;
+}
+
 } // namespace
 } // namespace kzb::test
+
+extern "C" [[gnu::visibility("default")]] void kzb_test_announce_level(const char *name) {
+    kzb::test::announced_level = name;
+}
 
 int main(int count, char **arguments) {
     using namespace kzb::test;
@@ -105,6 +130,7 @@ int main(int count, char **arguments) {
         std::cerr << error.message << '\n';
         return 2;
     }
+    if (!level_as_asked()) return 1;
     try {
         return run(count > 1 ? arguments[1] : nullptr);
     } catch (const std::exception &failure) {

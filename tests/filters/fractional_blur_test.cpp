@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace kzb::test {
 namespace {
@@ -15,7 +16,7 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 
 // Both passes as stated: rows are copied before they are written, a row below is read as it stands.
 void fractional_blur(const PlainImage &source, const PlainImage &destination, double radius) {
-    const double f = std::isfinite(radius) && radius > 0 ? radius - std::floor(radius) : 0;
+    const double f = std::isfinite(radius) ? radius - std::floor(radius) : 0;
     const double w = 1 / (2 * f + 1);
     const auto blurred = [&](int c, int p, int q) { return static_cast<uint8_t>((c + (p + q) * f) * w); };
     const auto copy_of = [](const PlainImage &image, int64_t y) {
@@ -131,10 +132,21 @@ TEST(BoxBlurFractionalFilter, OnlyTheFractionActs) {
         check_one(blur_of(radius), source, Object(), "radius " + std::to_string(radius));
 }
 
-TEST(BoxBlurFractionalFilter, ANegativeOrNotFiniteRadiusCountsAsNone) {
+TEST(BoxBlurFractionalFilter, ANegativeRadiusActsByWhatItExceedsTheWholeNumberBelow) {
+    const Image source = random_image(9, 6, 2, 3);
+    for (const auto &[negative, positive] : {std::pair(-0.5, 0.5), std::pair(-2.75, 0.25), std::pair(-7.0, 0.0)}) {
+        const Image blurred(source.call("BoxBlurFractionalFilter", nullptr, positive));
+        EXPECT_EQ(storage_of(Image(source.call("BoxBlurFractionalFilter", nullptr, negative))), storage_of(blurred))
+            << negative;
+    }
+    for (double radius : {-0.3, -1e-300, -1e300})
+        check_one(blur_of(radius), source, Object(), "radius " + std::to_string(radius));
+}
+
+TEST(BoxBlurFractionalFilter, ARadiusThatIsNotFiniteCountsAsNone) {
     const Image source = random_image(9, 6, 2, 3);
     const Bytes copied = storage_of(Image(source.call("BoxBlurFractionalFilter", nullptr, 0.0)));
-    for (double radius : {-0.5, -2.3, -1e300, infinity, -infinity, std::numeric_limits<double>::quiet_NaN()})
+    for (double radius : {infinity, -infinity, std::numeric_limits<double>::quiet_NaN()})
         EXPECT_EQ(storage_of(Image(source.call("BoxBlurFractionalFilter", nullptr, radius))), copied) << radius;
 }
 

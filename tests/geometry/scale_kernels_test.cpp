@@ -108,8 +108,8 @@ std::vector<Entry> list_of(int32_t mode, int32_t outputs, int32_t inputs, int32_
     std::vector<Entry> entries;
     double sum = 0;
     for (int32_t k = 0; k < list.count; ++k) {
-        entries.push_back({list.entries[k].index, list.entries[k].weight});
-        sum += list.entries[k].weight;
+        if (list.weights[k] != 0) entries.push_back({list.first + k, list.weights[k]});
+        sum += list.weights[k];
     }
     EXPECT_EQ(list.sum, sum);
     return entries;

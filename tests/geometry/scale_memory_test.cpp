@@ -21,8 +21,11 @@ namespace {
 
 constexpr int32_t lanczos3 = 3;
 
-// The requests of a scaling through a given intermediate image, in their order.
-enum Request { column_lists = 1, column_weights, source_row, row_lists, row_weights, sums, bytes, all = bytes };
+// The requests of a scaling through a given intermediate image, in their order: of one that makes both passes at once,
+// and of one that makes them one after the other, because it has to let the program run meanwhile.
+enum Request { column_lists = 1, column_weights, row_lists, row_weights, of_lists = row_weights };
+enum RequestAtOnce { ring = of_lists + 1, columns, means, bytes, list_rows, all_at_once = list_rows };
+enum RequestInTurn { source_row = of_lists + 1, sums, row_bytes, all_in_turn = row_bytes };
 
 class ShortOfMemory : public testing::Test {
 protected:
@@ -42,9 +45,12 @@ protected:
     const Image temp{5, 9, scaling_format};
 };
 
-TEST_F(ShortOfMemory, AScalingAsksForListsAndRowsInEachPass) {
+TEST_F(ShortOfMemory, AScalingAsksForListsAndRowsToWorkIn) {
     ASSERT_TRUE(scale(temp, 0));
-    EXPECT_EQ(requests, all);
+    EXPECT_EQ(requests, all_at_once);
+    image.set("YieldTicks", 1000);
+    ASSERT_TRUE(scale(temp, 0));
+    EXPECT_EQ(requests, all_in_turn);
 }
 
 TEST_F(ShortOfMemory, WithoutAnIntermediateImageNothingIsDone) {
@@ -70,7 +76,7 @@ TEST_F(ShortOfMemory, ListsThatCannotBeHadAreEmptyAndGiveZero) {
 TEST_F(ShortOfMemory, WithoutRowsToWorkInTheResultIsTheSame) {
     ASSERT_TRUE(scale(temp, 0));
     const Bytes expected = storage_of(image), expected_temp = storage_of(temp);
-    for (Request request : {source_row, sums, bytes}) {
+    const auto expect_the_same = [&](int request) {
         image.call("FillRect", 0, 0, 5, 4, 77);
         temp.call("ClearRect");
         EXPECT_TRUE(scale(temp, request));
@@ -79,7 +85,10 @@ TEST_F(ShortOfMemory, WithoutRowsToWorkInTheResultIsTheSame) {
             const Bytes row = image.row(y);
             EXPECT_TRUE(std::equal(row.begin(), row.begin() + 20, expected.begin() + y * 64)) << request;
         }
-    }
+    };
+    for (RequestAtOnce request : {ring, columns, means, bytes, list_rows}) expect_the_same(request);
+    image.set("YieldTicks", 1000);
+    for (RequestInTurn request : {source_row, sums, row_bytes}) expect_the_same(request);
 }
 
 TEST_F(ShortOfMemory, FastScalingNeedsNone) {

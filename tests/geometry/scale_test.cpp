@@ -68,6 +68,33 @@ TEST(Scale, RowsOfSeveralStrips) {
                     "wide");
 }
 
+TEST(Scale, RowsAndColumnsOfSeveralGroups) {
+    const struct {
+        Size from, to;
+    } cases[] = {{{203, 71}, {67, 29}}, {{91, 45}, {137, 83}}, {{130, 67}, {129, 66}}, {{700, 9}, {9, 100}}};
+    for (int32_t mode = 1; mode <= 7; ++mode)
+        for (const auto &[from, to] : cases)
+            for (int32_t source_format : some_layouts)
+                for (int32_t format : {2, 9, 12, 13}) {
+                    if (HasFailure()) return;
+                    const Image source = random_image(from, source_format);
+                    check_scale(random_image(to, format), source, Object(), mode, to, "alone");
+                    check_scale(random_image(to, format), source, random_image({to.width, from.height}, scaling_format),
+                                mode, to, "with an intermediate image");
+                }
+}
+
+// Where means are whole numbers, the last bit of a quotient would show.
+TEST(Scale, FlatImages) {
+    for (int32_t mode = 1; mode <= 7; ++mode)
+        for (int32_t value : {1, 100, 254, 255})
+            for (Size size : {Size{31, 23}, Size{120, 90}, Size{79, 59}}) {
+                const Image source(80, 60, 2);
+                source.call("FillRect", value);
+                check_scale(random_image(size, 2), source, Object(), mode, size, "flat " + std::to_string(value));
+            }
+}
+
 TEST(Scale, FilesOfSeveralBlocks) {
     const Image tall_source = make_tall_image(5, 2, 1);
     const Image tall_temp = make_tall_image(4, scaling_format, 2);

@@ -66,10 +66,10 @@ TEST_F(ScaleYields, TheIntermediateImageYieldsOnce) {
     EXPECT_EQ(yields, 1);
 }
 
-TEST_F(ScaleYields, TheDestinationYieldsAtTheStartAndAfterEachColumnsListAndEachRowOfBothPasses) {
+TEST_F(ScaleYields, TheDestinationYieldsAtTheStartAndAfterEachListAndEachRowOfBothPasses) {
     image.set("YieldTicks", 1);
     EXPECT_TRUE(scale());
-    EXPECT_EQ(yields, 1 + 5 + 9 + 4);
+    EXPECT_EQ(yields, 1 + 5 + 9 + 4 + 4);
 }
 
 TEST_F(ScaleYields, TheFastDestinationYieldsAtTheStartAndAfterEachRow) {
@@ -90,7 +90,7 @@ TEST_F(ScaleYields, SourceThenDestinationThenIntermediateImage) {
 
 TEST_F(ScaleYields, AnImageClosedAtAnyYieldEndsTheScaling) {
     for (int which = 0; which < 3; ++which)
-        for (int at = 1; at <= 1 + 1 + 1 + 5 + 9 + 4; ++at) {
+        for (int at = 1; at <= 1 + 1 + 1 + 5 + 9 + 4 + 4; ++at) {
             yields = 0;
             source = *make_image(Storage::memory, 7, 9, 2, 1);
             image = *make_image(Storage::memory, 6, 6, 2, 2);
@@ -104,7 +104,7 @@ TEST_F(ScaleYields, AnImageClosedAtAnyYieldEndsTheScaling) {
             if (at > 3) {
                 EXPECT_EQ(yields, at) << which << ": nothing is paced after that";
             }
-            if (which != 1 && at <= 3 + 5 + 9) {
+            if (which != 1 && at <= 3 + 5 + 9 + 4) {
                 EXPECT_EQ(storage_of(image), before) << which << ' ' << at;
             }
         }

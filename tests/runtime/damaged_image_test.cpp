@@ -52,7 +52,7 @@ TEST_F(DamagedImageTest, WhatIsNoPictureFileIsTold) {
     EXPECT_EQ(failure_of(path("missing")), "cannot be opened: No such file or directory");
     EXPECT_EQ(failure_of(path("")), "is a folder, not a picture file");
     EXPECT_EQ(failure({}), "the file is empty");
-    const std::string other = "is neither a PNG nor a JPEG file; convert it to one of these first";
+    const std::string other = "is no PNG, JPEG, WebP, TIFF or PNM file; convert it to one of these first";
     EXPECT_EQ(failure({'G', 'I', 'F', '8', '9', 'a', 1, 0, 1, 0, 0}), other);
     EXPECT_EQ(failure({'x'}), other);
     EXPECT_EQ(failure({0x89, 'P', 'N', 'G', '\n', '\n', 0x1A, '\n', 0}), other);
@@ -107,7 +107,7 @@ TEST_F(DamagedImageTest, FlippedBitsOfAJpegDoNoHarm) {
             const size_t bit = random() % (whole.size() * 8);
             bytes[bit / 8] ^= static_cast<uint8_t>(1 << bit % 8);
             write_bytes(path("picture"), bytes);
-            const kzb_read_options limit{1000000}; // a flipped size may be large
+            const kzb_read_options limit{1000000, nullptr}; // a flipped size may be large
             error = {};
             const PictureOwner picture(kzb_picture_read(path("picture").c_str(), &limit, &error));
             if (picture) continue;

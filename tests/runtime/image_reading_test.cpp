@@ -193,7 +193,7 @@ TEST_F(ImageReadingTest, TheLimitOfPixelsIsInclusive) {
     std::mt19937 random(6);
     const auto png = png_bytes(random_png(13, 9, PNG_COLOR_TYPE_RGB, 8, false, false, random));
     const auto jpeg = jpeg_bytes(smooth_jpeg(13, 9, JCS_RGB, JCS_YCbCr));
-    const kzb_read_options exact{117}, less{116};
+    const kzb_read_options exact{117, nullptr}, less{116, nullptr};
     for (const auto &bytes : {png, jpeg}) {
         EXPECT_TRUE(read(bytes, &exact));
         error = {};

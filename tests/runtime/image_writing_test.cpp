@@ -93,7 +93,7 @@ TEST_F(ImageWritingTest, AJpegLeavesTheMaskOut) {
         for (int x = 0; x < 64; ++x) set_pixel(world, x, y, colour_at(x, y));
     }
     kzb_picture_set_mask(picture.get(), mask.get());
-    const kzb_write_options best{100};
+    const kzb_write_options best{100, 0};
     write(picture, "a.jpg", &best);
     const PictureOwner again = read("a.jpg");
     EXPECT_EQ(kzb_picture_mask(again.get()), nullptr);
@@ -108,7 +108,7 @@ TEST_F(ImageWritingTest, AJpegLeavesTheMaskOut) {
 TEST_F(ImageWritingTest, AJpegsQualityIs90UnlessGiven) {
     const PictureOwner picture = random_picture(64, 64);
     const auto size = [&](int quality) {
-        const kzb_write_options options{quality};
+        const kzb_write_options options{quality, 0};
         write(picture, "a.jpg", &options);
         return file_bytes(path("a.jpg")).size();
     };
@@ -119,9 +119,9 @@ TEST_F(ImageWritingTest, AJpegsQualityIs90UnlessGiven) {
     write(picture, "b.jpg");
     EXPECT_EQ(file_bytes(path("b.jpg")).size(), size(90));
     for (const int quality : {-1, 101}) {
-        const kzb_write_options options{quality};
+        const kzb_write_options options{quality, 0};
         EXPECT_EQ(failure(picture, path("a.jpg"), KZB_ERROR_USAGE, &options),
-                  "a JPEG file's quality is 1 to 100, not " + std::to_string(quality));
+                  "a file's quality is 1 to 100, not " + std::to_string(quality));
     }
 }
 
@@ -142,7 +142,9 @@ TEST_F(ImageWritingTest, OtherEndingsAreTheCallersMistake) {
     const PictureOwner picture = random_picture(8, 8);
     for (const char *name : {"a", "a.gif", "a.png.txt", "png", "a.", "a.jpe"}) {
         EXPECT_EQ(failure(picture, path(name), KZB_ERROR_USAGE),
-                  path(name) + ": the name must end in .png, .jpg or .jpeg, which tells the kind of file to write");
+                  path(name) +
+                      ": the name must end in .png, .jpg, .webp, .tif, .pnm or .ppm, which tells the kind of file to "
+                      "write");
     }
     EXPECT_TRUE(names().empty());
 }

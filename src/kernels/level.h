@@ -1,0 +1,24 @@
+// Which of the processor's instruction sets the row functions use.
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+namespace kzb::kernels {
+
+// Each includes those before it. avx2: with FMA, BMI and BMI2. avx512: F, BW, CD, DQ, VL and the byte permutes of VBMI.
+enum class Level { baseline, avx2, avx512 };
+
+inline constexpr std::array<const char *, 3> level_names = {"baseline", "avx2", "avx512"};
+
+constexpr const char *name_of(Level level) {
+    return level_names[static_cast<size_t>(level)];
+}
+
+// Whether this build has the level and this processor runs it.
+bool runs(Level level);
+
+// The level named by the environment's KZB_ISA; the highest that runs here when there is none, or it does not run here.
+Level level_in_use();
+
+} // namespace kzb::kernels

@@ -1,0 +1,15 @@
+// Hand-written loops over eight rows at a time for processors with AVX-512.
+#pragma once
+
+#include "kernels/resample_groups.h"
+
+namespace kzb::kernels {
+
+void gather_columns_avx512(double *columns, size_t lanes, const RowGroup &group, size_t start, size_t count);
+void weigh_columns_avx512(float *means, size_t group_size, const double *columns, int32_t first, size_t channels,
+                          const ContributionList *lists, size_t count);
+void deal_means_avx512(const std::array<double *, rows_together> &rows, const float *means, size_t count);
+void mean_of_rows_avx512(uint8_t *bytes, const double *const *rows, size_t start, const ContributionList &list,
+                         size_t count);
+
+} // namespace kzb::kernels
