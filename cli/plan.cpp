@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <set>
+#include <unistd.h>
 
 namespace kzb::cli {
 
@@ -49,6 +50,8 @@ std::optional<PlannedArgument> fitted(const WrittenArgument &written, const kzb_
     PlannedArgument argument = {parameter.name, Source::value, {}, "", false};
     const bool object = parameter.type == KZB_TYPE_OBJECT;
     if (object && same_name(parameter.type_name, "FolderItem") && written.reference.empty() && !written.text.empty()) {
+        // The file of a picture is truncated at first and deleted at last.
+        if (access(written.text.c_str(), F_OK) == 0) return std::nullopt;
         KZBFolderItem item = kzb_folder_item_new(written.text.c_str());
         if (item == nullptr) throw std::bad_alloc();
         argument.value = Value::object(reinterpret_cast<KZBObject>(item));

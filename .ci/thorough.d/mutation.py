@@ -26,7 +26,7 @@ import sys
 import tempfile
 import time
 
-FOLDER = os.path.abspath("build-mutation")
+FOLDER = os.path.realpath("build-mutation")
 TREE = FOLDER + "/tree"
 BUILD = FOLDER + "/build"
 

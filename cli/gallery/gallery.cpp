@@ -99,13 +99,10 @@ void write_small(const std::string &input, const Workshop &workshop) {
 std::vector<Room> furnished_rooms(const Catalogue &catalogue) {
     std::vector<Room> rooms;
     for (const Family &family : families()) {
-        Room room = {&family, {}, {}};
+        Room room = {&family, {}};
         for (const MethodNote &note : family.methods) {
             if (catalogue.method(note.name) == nullptr) continue;
-            if (note.example == nullptr)
-                room.without_picture.push_back(&note);
-            else
-                room.exhibits.push_back({&note, input_of(note.example), output_of(note.example)});
+            room.exhibits.push_back({&note, input_of(note.example), output_of(note.example)});
         }
         rooms.push_back(std::move(room));
     }

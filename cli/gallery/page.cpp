@@ -90,15 +90,9 @@ std::string article(const Exhibit &exhibit) {
 
 std::string section(const Room &room) {
     std::string html = std::string("<h2 id=\"") + room.family->page + "\">" + escaped(room.family->title) + "</h2>\n";
-    if (!room.exhibits.empty()) {
-        html += "<div class=\"room\">\n";
-        for (const Exhibit &exhibit : room.exhibits) html += article(exhibit);
-        html += "</div>\n";
-    }
-    std::string names;
-    for (const MethodNote *note : room.without_picture)
-        names += std::string(names.empty() ? "" : ", ") + "<b>" + note->name + "</b>";
-    return names.empty() ? html : html + "<p>For programs: " + names + ".</p>\n";
+    html += "<div class=\"room\">\n";
+    for (const Exhibit &exhibit : room.exhibits) html += article(exhibit);
+    return html + "</div>\n";
 }
 
 } // namespace

@@ -18,7 +18,6 @@ struct Exhibit {
 struct Room {
     const Family *family;
     std::vector<Exhibit> exhibits;
-    std::vector<const MethodNote *> without_picture; // for programs only
 };
 
 // The page in HTML; `title` is the picture's name.

@@ -37,12 +37,10 @@ std::string joined(const std::vector<std::string> &words) {
     return text;
 }
 
-// The lines of an example as they stand, for copying.
-std::string example_text(const char *title, const char *example) {
-    if (example == nullptr) return "";
-    std::string text = example;
-    for (size_t end = text.find('\n'); end != text.npos; end = text.find('\n', end + 3)) text.insert(end + 1, "  ");
-    return std::string("\n") + title + "\n  " + text + "\n";
+// Lines as they stand, for copying.
+std::string lines_text(const char *title, std::string lines) {
+    for (size_t end = lines.find('\n'); end != lines.npos; end = lines.find('\n', end + 3)) lines.insert(end + 1, "  ");
+    return std::string("\n") + title + "\n  " + lines + "\n";
 }
 
 } // namespace
@@ -63,9 +61,9 @@ std::string help_text(const std::string &name, const Catalogue &catalogue) {
     text += section("Arguments", facts.arguments) + section("Supplied by the chain", facts.supplied) +
             section("Result", facts.results);
     if (facts.note != nullptr && facts.note->remark != nullptr) text += "\nNote\n" + wrapped(facts.note->remark, 2);
-    if (facts.note != nullptr)
-        text += example_text("Example", facts.note->example) +
-                example_text("Example, in a C program with the embedded host", facts.note->program);
+    if (facts.note != nullptr) text += lines_text("Example", facts.note->example);
+    if (facts.note != nullptr && facts.note->program != nullptr)
+        text += lines_text("In a C program with the embedded host", facts.note->program);
     if (!facts.constants.empty()) text += "\nConstants\n" + wrapped(joined(facts.constants), 2);
     std::string declared;
     for (const std::string &declaration : facts.declarations) declared += "  " + declaration + "\n";

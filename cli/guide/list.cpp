@@ -59,7 +59,7 @@ Exit run_list(const Words &words) {
                               (catalogue.method_hint(word).empty() ? "; 'kzb list' shows all" : ""));
     const bool marked = lines.find("\n* ") != lines.npos;
     print(std::string("The methods of PictureKZB. 'kzb help METHOD' explains one") +
-          (marked ? "; those marked * cannot be steps.\n" : ".\n") + lines);
+          (marked ? "; those marked * cannot be steps of a chain.\n" : ".\n") + lines);
     return Exit::done;
 }
 

@@ -17,7 +17,10 @@ template <class T> void add_once(std::vector<T> &list, T entry) {
 
 std::string type_text(const kzb_parameter &parameter, const Method &method) {
     if (constants_for(method.name, parameter.name) != nullptr) return "a constant, or its number";
-    if (parameter.type == KZB_TYPE_OBJECT) return std::string("a ") + parameter.type_name;
+    if (parameter.type == KZB_TYPE_OBJECT && same_name(parameter.type_name, "FolderItem")) return "a path";
+    if (parameter.type == KZB_TYPE_OBJECT)
+        return std::string("@NAME of a kept ") +
+               (same_name(parameter.type_name, "MemoryBlock") ? "memory block" : "picture");
     if (parameter.type == KZB_TYPE_INTEGER) return "a whole number";
     return describe(parameter.type);
 }
@@ -29,12 +32,18 @@ std::string argument_text(const kzb_parameter &parameter, const Method &method) 
 }
 
 std::string supplied_text(size_t place, const Form &form) {
-    const bool dest = same_name(form.declaration.parameters[place].name, "dest");
-    if (form.giver_of(place) == Giver::chain_nil)
-        return dest ? "nil: the result is a new picture" : "nil: made and dropped again";
-    if (form.giver_of(place) == Giver::chain_new) return "a new picture of the current picture's size and layout";
-    return form.writes_new_picture() ? "the current picture; the step writes a new one, with which the chain goes on"
-                                     : "the current picture";
+    switch (form.giver_of(place)) {
+    case Giver::chain_current:
+        return "the current picture, from which the step makes a new one; source=@NAME takes another one, and the step "
+               "writes to the current picture";
+    case Giver::chain_new:
+        return "a new picture of the current picture's size and layout";
+    case Giver::chain_nil:
+    case Giver::user:
+        break;
+    }
+    return same_name(form.declaration.parameters[place].name, "dest") ? "nil: the result is a new picture"
+                                                                      : "nil: made and dropped again";
 }
 
 std::string result_text(const Form &form) {

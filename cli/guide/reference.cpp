@@ -45,7 +45,7 @@ std::string method_entry(const Method &method, const MethodNote &note, const Cat
     for (const std::string &declaration : facts.declarations) text += code(declaration);
     text += argument_rows(facts.arguments);
     if (note.remark != nullptr) text += std::string("\n") + note.remark + "\n";
-    if (note.example != nullptr) text.append("\n").append(code(note.example));
+    text.append("\n").append(code(note.example));
     if (note.program != nullptr) text.append("\n```c\n").append(note.program).append("\n```\n");
     return text;
 }

@@ -63,7 +63,8 @@ constexpr MethodNote turns[] = {
      .also = "straighten horizon",
      .remark =
          "The new picture is larger, so that all of the old one fits. Angle 0 gives the picture itself; 90, 180 and "
-         "270 lose nothing; others are three shears, which leave a thin dark line at some edges. The alpha of gray pictures with alpha is left at 0.",
+         "270 lose nothing; others are three shears, which leave thin dark lines at some "
+         "edges and across a corner. The alpha of gray pictures with alpha is left at 0.",
      .example = "kzb photo.jpg : Rotate 3.5 Red=255 Green=255 Blue=255 Alpha=255 Gray=255 -o tilted.jpg",
      .arguments = {{"angle", "degrees, positive ones counter-clockwise; 370 is 10"},
                    {"Red", "0 to 255, for the corners of coloured pictures"},
@@ -124,7 +125,7 @@ constexpr MethodNote copies[] = {
          "Between gray and colours it converts: gray is (77 red + 151 green + 28 blue) / 256. Alpha is copied where "
          "both pictures have it and else left alone; it is no blending. A negative source corner moves the copy to "
          "the left or upwards.",
-     .example = "kzb photo.jpg : CopyPixels -o copy.jpg",
+     .example = "kzb photo.jpg : =photo : Invert : CopyPixels 100 60 200 120 100 60 source=@photo -o pasted.jpg",
      .arguments = {{"source", "the picture to read"}}},
     {.name = "RedChannel",
      .sentence = "The red channel as a gray picture, sharing its pixels.",

@@ -27,14 +27,14 @@ constexpr MethodNote pictures[] = {
     {.name = "DrawPictureRGB",
      .sentence = "Copies a rectangle of a host's picture into red, green and blue.",
      .remark = unscaled,
-     .example = "kzb photo.jpg : =photo : BoxBlurFilter 4 : DrawPictureRGB @photo 24 15 48 30 24 15 -o window.png",
+     .example = "kzb photo.jpg : =photo : Invert : DrawPictureRGB @photo 100 60 200 120 -o drawn.jpg",
      .program = "kzb_value arguments[] = {picture, integer(0), integer(0), integer(48), integer(32)};\n"
                 "kzb_call(image, \"DrawPictureRGB\", arguments, 5, NULL, &error);"},
     {.name = "DrawPictureRedToGrayChannel",
      .sentence = "Copies a host's picture's red into gray.",
      .remark = unscaled,
      .example =
-         "kzb photo.jpg : =photo : BlueChannel : DrawPictureRedToGrayChannel @photo 0 0 96 60 : @photo -o red-for-blue.png",
+         "kzb photo.jpg : =photo : BlueChannel : Clone : DrawPictureRedToGrayChannel @photo 100 60 200 120 -o drawn-red.png",
      .program = "/* A mask's gray, which its red holds too, becomes the alpha. */\n"
                 "kzb_value alpha, arguments[] = {picture, integer(0), integer(0), integer(48), integer(32)};\n"
                 "kzb_call(image, \"AlphaChannel\", NULL, 0, &alpha, &error);\n"
@@ -44,7 +44,7 @@ constexpr MethodNote pictures[] = {
      .sentence = "Copies a host's picture's green into gray.",
      .remark = unscaled,
      .example =
-         "kzb photo.jpg : =photo : RedChannel : DrawPictureGreenToGrayChannel @photo 0 0 96 60 : @photo -o green-for-red.png",
+         "kzb photo.jpg : =photo : BlueChannel : Clone : DrawPictureGreenToGrayChannel @photo 100 60 200 120 -o drawn-green.png",
      .program = "kzb_value gray, arguments[] = {picture, integer(0), integer(0), integer(48), integer(32)};\n"
                 "kzb_call(image, \"GreenChannel\", NULL, 0, &gray, &error);\n"
                 "kzb_call(gray.object, \"DrawPictureGreenToGrayChannel\", arguments, 5, NULL, &error);\n"
@@ -53,7 +53,7 @@ constexpr MethodNote pictures[] = {
      .sentence = "Copies a host's picture's blue into gray.",
      .remark = unscaled,
      .example =
-         "kzb photo.jpg : =photo : GreenChannel : DrawPictureBlueToGrayChannel @photo 0 0 96 60 : @photo -o blue-for-green.png",
+         "kzb photo.jpg : =photo : RedChannel : Clone : DrawPictureBlueToGrayChannel @photo 100 60 200 120 -o drawn-blue.png",
      .program = "kzb_value gray, arguments[] = {picture, integer(0), integer(0), integer(48), integer(32)};\n"
                 "kzb_call(image, \"BlueChannel\", NULL, 0, &gray, &error);\n"
                 "kzb_call(gray.object, \"DrawPictureBlueToGrayChannel\", arguments, 5, NULL, &error);\n"
@@ -75,8 +75,7 @@ constexpr MethodNote making[] = {
          "Reports failure by Valid alone, which stays false. In memory a picture has at most 2,147,483,647 bytes, its "
          "rows padded to a multiple of 64; one in a file has no such limit. The forms over a block trust the caller "
          "for its size. A picture of the host must have 24 or 32 bits.",
-     .example = "kzb photo.jpg : =photo : Constructor 120 80 ImageFormatRGB : FillRectRGB ivory "
-                ": CopyPixels 12 10 96 60 source=@photo -o framed.png",
+     .example = "kzb photo.jpg : Constructor 240 120 ImageFormatRGB : FillRectRGB '#203050' -o constructed.png",
      .program = "kzb_value arguments[] = {integer(640), integer(480), integer(2)}; /* 2: ImageFormatRGBA */\n"
                 "kzb_value made = {.kind = KZB_OBJECT};\n"
                 "made.object = kzb_new(\"PictureKZB\", arguments, 3, &error);\n"
@@ -97,7 +96,7 @@ constexpr MethodNote making[] = {
      .remark =
          "The scratch file is deleted. Valid may stay true, but the picture must not be used any more; views of it "
          "cannot be used either. A picture that is released closes itself.",
-     .example = "kzb photo.jpg : =photo : Clone : Close : @photo -o photo-again.png",
+     .example = "kzb photo.jpg : =photo : Clone : Close : @photo -o closed.jpg",
      .program = "kzb_call(image, \"Close\", NULL, 0, NULL, &error);"},
 };
 
@@ -107,7 +106,8 @@ constexpr MethodNote rows[] = {
      .remark =
          "The block has no size of its own, and is good until the picture is closed or, in a file, until another row "
          "is reached. Nil for a picture that is not Valid.",
-     .example = "kzb photo.jpg : RawRow 5 =line : Row 12 value=@line -o raw-line.png",
+     .example =
+         "kzb photo.jpg : RawRow 120 =row : Row 200 value=@row : Row 201 value=@row : Row 202 value=@row -o raw-row.png",
      .program = "kzb_value row, index = integer(0);\n"
                 "kzb_call(image, \"RawRow\", &index, 1, &row, &error);\n"
                 "unsigned char *bytes = kzb_block_bytes((KZBMemoryBlock)row.object, NULL);\n"
@@ -117,7 +117,7 @@ constexpr MethodNote rows[] = {
      .sentence = "A copy of one row's bytes; assigned to, it writes them.",
      .remark =
          "The block holds RowSize bytes, padding included. An assigned one must hold as many: no length is compared.",
-     .example = "kzb photo.jpg : Row 5 =line : Row 9 value=@line -o line.png",
+     .example = "kzb photo.jpg : Row 20 =row : Row 60 value=@row : Row 61 value=@row : Row 62 value=@row -o row.png",
      .program = "kzb_value row, index = integer(0), last = integer(29);\n"
                 "kzb_call(image, \"Row\", &index, 1, &row, &error);    /* block = image.Row(0) */\n"
                 "kzb_assign(image, \"Row\", &last, 1, &row, &error);   /* image.Row(29) = block */\n"
@@ -128,7 +128,7 @@ constexpr MethodNote rows[] = {
      .remark = "The block holds width x the layout's pixel size, without padding. Where the picture has no alpha, the "
                "alpha of what is read stays 0, and an assigned row without alpha leaves the picture's as it is.",
      .example =
-         "kzb photo.jpg : RowInFormat 5 ImageFormatG =line : RowInFormat 9 ImageFormatG value=@line -o gray-line.png",
+         "kzb photo.jpg : RowInFormat 60 ImageFormatG =gray : RowInFormat 60 ImageFormatG value=@gray -o row-in-format.png",
      .program = "kzb_value row, arguments[] = {integer(0), integer(11)}; /* 11: ImageFormatG */\n"
                 "kzb_call(image, \"RowInFormat\", arguments, 2, &row, &error);\n"
                 "kzb_assign(image, \"RowInFormat\", arguments, 2, &row, &error);\n"
@@ -138,8 +138,8 @@ constexpr MethodNote rows[] = {
      .sentence = "One row in a layout of your choice as a string, read or written.",
      .also = "convert",
      .remark = "As RowInFormat. An assigned string must be long enough: no length is compared.",
-     .example = "kzb photo.jpg : RowStringInFormat 5 ImageFormatRGB =line "
-                ": RowStringInFormat 9 ImageFormatBGR value=@line -o swapped-line.png",
+     .example =
+         "kzb photo.jpg : RowStringInFormat 60 ImageFormatRGB =row : RowStringInFormat 60 ImageFormatBGR value=@row -o row-string.png",
      .program = "kzb_value text, arguments[] = {integer(0), integer(7)}; /* 7: ImageFormatBGRA */\n"
                 "kzb_call(image, \"RowStringInFormat\", arguments, 2, &text, &error);\n"
                 "printf(\"%d bytes\\n\", (int)text.string->length);\n"
@@ -149,8 +149,8 @@ constexpr MethodNote rows[] = {
      .also = "convert raw export",
      .remark =
          "Rows follow one another without padding. An assigned string must be long enough: no length is compared.",
-     .example = "kzb photo.jpg : DataStringInFormat ImageFormatRGB =pixels "
-                ": DataStringInFormat ImageFormatBGR value=@pixels -o swapped.png",
+     .example =
+         "kzb photo.jpg : DataStringInFormat ImageFormatRGB =data : DataStringInFormat ImageFormatBGR value=@data -o exchanged.jpg",
      .program = "kzb_value data, layout = integer(1); /* 1: ImageFormatRGB */\n"
                 "kzb_call(image, \"DataStringInFormat\", &layout, 1, &data, &error);\n"
                 "kzb_assign(image, \"DataStringInFormat\", &layout, 1, &data, &error);\n"

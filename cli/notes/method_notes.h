@@ -19,7 +19,7 @@ struct MethodNote {
     const char *also = "";           // further words under which the list finds it
     const char *remark = nullptr;    // what a user should know besides
     const char *example = nullptr;   // a command line that runs as it stands beside photo.jpg
-    const char *program = nullptr;   // statements in C, for a method that programs use more than chains
+    const char *program = nullptr;   // besides, for a method that is above all for programs: statements in C
     ArgumentNote arguments[10] = {}; // those of which the name alone does not tell; see note_on_argument
 };
 

@@ -5,6 +5,7 @@
 #include "image/bytes.h"
 
 #include <cmath>
+#include <cstring>
 
 namespace kzb {
 
@@ -82,14 +83,22 @@ template <class Of, class Make>
 ChannelTables tables_by_channel(const ImageRecord &source, const Of &gray, const Of &red, const Of &green,
                                 const Of &blue, const Of *alpha, Make make) {
     ChannelTables tables;
+    const Of *last = nullptr;
     for (Channel channel : alpha == nullptr ? colour_channels_of(source) : channels_of(source)) {
+        const Of *of = alpha;
         switch (channel) {
-        case Channel::gray: tables.add(channel, make(gray)); break;
-        case Channel::red: tables.add(channel, make(red)); break;
-        case Channel::green: tables.add(channel, make(green)); break;
-        case Channel::blue: tables.add(channel, make(blue)); break;
-        case Channel::alpha: tables.add(channel, make(*alpha)); break;
+        case Channel::gray: of = &gray; break;
+        case Channel::red: of = &red; break;
+        case Channel::green: of = &green; break;
+        case Channel::blue: of = &blue; break;
+        case Channel::alpha: break;
         }
+        // Bytes are compared: 0 and -0 are different gammas.
+        if (last != nullptr && std::memcmp(last, of, sizeof(Of)) == 0)
+            tables.add(channel, tables.tables[tables.channels.size() - 1]);
+        else
+            tables.add(channel, make(*of));
+        last = of;
     }
     return tables;
 }

@@ -2,6 +2,7 @@
 
 #include "geometry/scale_joined.h"
 #include "geometry/scale_passes.h"
+#include "geometry/scale_whole.h"
 #include "image/factory.h"
 #include "image/format.h"
 #include "image/paced_image.h"
@@ -18,6 +19,14 @@ struct ScaledImages {
     // Paces the destination. False: the scaling must stop.
     bool pace() { return destination.pace() && source.unchanged() && temp.unchanged(); }
 };
+
+// Makes all of the scaling in passes of this kind. False when there is no memory to work in.
+template <class Passes, class... Arguments> bool run(Arguments &&...arguments) {
+    Passes passes(arguments...);
+    if (!passes) return false;
+    passes.run();
+    return true;
+}
 
 bool resample(ImageRecord &source, ImageRecord &temp, bool temp_is_seen, ImageRecord &destination,
               const ScaleKernel &kernel, int32_t width, int32_t height) {
@@ -38,11 +47,11 @@ bool resample(ImageRecord &source, ImageRecord &temp, bool temp_is_seen, ImageRe
     for (int32_t y = 0; y < height; ++y) rows.build(y);
     ImageRecord *seen = temp_is_seen ? &temp : nullptr;
     if (JoinedPasses::fit(source, seen, destination, *carried, columns, rows, width, height)) {
-        JoinedPasses passes(source, seen, destination, *carried, columns, rows, width, height);
-        if (passes) {
-            passes.run();
+        const CarriedChannels ordered = in_best_order(*carried, seen, destination);
+        if (WholePasses::fit(source, ordered, columns, rows, width, height) &&
+            run<WholePasses>(source, seen, destination, ordered, columns, rows, width, height))
             return true;
-        }
+        if (run<JoinedPasses>(source, seen, destination, ordered, columns, rows, width, height)) return true;
     }
     {
         const HorizontalPass pass(source, temp, *carried, columns, width);

@@ -2,7 +2,6 @@
 
 #include "image/packed_rows.h"
 #include "image/storage.h"
-#include "kernels/convert.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -22,6 +21,12 @@ constexpr int32_t output_rows_at_once = 32;
 // Lanes of columns that stay in the nearest cache, and outputs that are made from them at a time.
 constexpr int32_t cached_lanes = 512;
 constexpr int32_t outputs_at_once = 64;
+
+// Eights of rows that a column's lanes hold, at most.
+constexpr size_t most_parts = 4;
+
+// An intermediate image above this is out of the caches before a program can look at it.
+constexpr int64_t cached_bytes = 4 * 1024 * 1024;
 
 // The least width of a strip.
 constexpr int64_t least_strip = 32;
@@ -55,6 +60,13 @@ Channels written_channels(const CarriedChannels &carried) {
 
 } // namespace
 
+CarriedChannels in_best_order(const CarriedChannels &carried, const ImageRecord *temp, const ImageRecord &destination) {
+    CarriedChannels ordered = carried;
+    if (temp == nullptr && !carried.spreads_gray && !carried.mixes_gray)
+        ordered.lanes = in_byte_order(carried.lanes, destination);
+    return ordered;
+}
+
 bool JoinedPasses::fit(const ImageRecord &source, const ImageRecord *temp, const ImageRecord &destination,
                        const CarriedChannels &carried, const Contributions &columns, const Contributions &rows,
                        int32_t width, int32_t height) {
@@ -76,16 +88,9 @@ bool JoinedPasses::fit(const ImageRecord &source, const ImageRecord *temp, const
 JoinedPasses::JoinedPasses(ImageRecord &source, ImageRecord *temp, ImageRecord &destination,
                            const CarriedChannels &carried, const Contributions &columns, const Contributions &rows,
                            int32_t width, int32_t height)
-    : source_(source), temp_(temp), destination_(destination), carried_(carried), column_lists_(columns.lists()),
-      row_lists_(rows.lists()), width_(width), height_(height), channels_(carried.lanes.size()),
-      lanes_(kernels::lanes_for(channels_)),
-      rows_at_once_(static_cast<int32_t>(lanes_ / channels_ * kernels::rows_together)) {
-    // In the order of the destination's bytes where nobody sees the intermediate image.
-    if (temp == nullptr && !carried.spreads_gray && !carried.mixes_gray)
-        carried_.lanes = in_byte_order(carried.lanes, destination);
-    const ChannelOffsets offsets = offsets_of(destination, carried_.lanes);
-    dense_ = static_cast<size_t>(destination.PixelSize) == channels_ && !carried.spreads_gray;
-    for (size_t i = 1; i < channels_; ++i) dense_ = dense_ && offsets[i] == offsets[0] + static_cast<int32_t>(i);
+    : source_(source), temp_(temp), carried_(carried), column_lists_(columns.lists()), row_lists_(rows.lists()),
+      width_(width), height_(height), channels_(carried.lanes.size()), lanes_(kernels::lanes_for(channels_)),
+      writer_(destination, carried), rows_at_once_(static_cast<int32_t>(lanes_ / channels_ * kernels::rows_together)) {
     int32_t longest_column_list = 0;
     int64_t made = 0; // rows before the output's
     for (int32_t y = 0; y < height; ++y) {
@@ -108,16 +113,18 @@ JoinedPasses::JoinedPasses(ImageRecord &source, ImageRecord *temp, ImageRecord &
     tile_ = static_cast<int32_t>(rounded_up(tile, kernels::block_of_values));
     held_columns_ = std::max(cached_lanes / static_cast<int32_t>(lanes_), longest_column_list);
     constexpr auto together = static_cast<int64_t>(kernels::rows_together);
-    ring_ = Buffer<double>(ring_rows_ * static_cast<int64_t>(row_size_));
-    columns_ = Buffer<double>(held_columns_ * lanes * together);
-    means_ = Buffer<float>((outputs_at_once + 1) * lanes * together + 8 * together);
+    ring_ = Lines<double>(ring_rows_ * static_cast<int64_t>(row_size_));
+    columns_ = Lines<double>(held_columns_ * lanes * together);
+    means_ = Lines<float>((outputs_at_once + 1) * lanes * together + 8 * together);
     bytes_ = Buffer<uint8_t>(tile_ * channels);
     list_rows_ = Buffer<const double *>(int64_t{longest_row_list_} * output_rows_at_once);
+    blocks_ = Buffer<Block>(strip_);
 }
 
 void JoinedPasses::run() {
     for (int32_t start = 0; start < width_;) {
         const int32_t end = start + std::min(strip_, width_ - start);
+        plan_blocks(start, end);
         int32_t y = 0;
         for (int64_t row = 0; row < source_.Height && y < height_; row += rows_at_once_) {
             make_rows(static_cast<int32_t>(row), start, end);
@@ -132,7 +139,7 @@ void JoinedPasses::run() {
     }
 }
 
-kernels::RowGroup JoinedPasses::group_at(int32_t row) const {
+kernels::RowGroup JoinedPasses::group_at(int64_t row) const {
     kernels::RowGroup group = {};
     const Channels channels = read_channels(carried_);
     const ChannelOffsets offsets = offsets_of(source_, channels);
@@ -140,7 +147,7 @@ kernels::RowGroup JoinedPasses::group_at(int32_t row) const {
     for (size_t i = 0; i < channels.size(); ++i) group.offsets[i] = static_cast<size_t>(offsets[i] - first_offset);
     for (size_t r = 0; r < kernels::rows_together; ++r) {
         // The last row stands for those below the image.
-        const int64_t y = std::min<int64_t>(int64_t{row} + static_cast<int64_t>(r), source_.Height - 1);
+        const int64_t y = std::min<int64_t>(row + static_cast<int64_t>(r), source_.Height - 1);
         group.rows[r] = source_.row_accessor(source_, static_cast<int32_t>(y)) + first_offset;
     }
     group.ahead = static_cast<ptrdiff_t>(source_.RowSize) * rows_at_once_;
@@ -150,7 +157,7 @@ kernels::RowGroup JoinedPasses::group_at(int32_t row) const {
     return group;
 }
 
-void JoinedPasses::ready_columns(int32_t row, int32_t first, int32_t end) {
+void JoinedPasses::ready_columns(const kernels::RowGroup *groups, int32_t first, int32_t end) {
     const size_t column_size = lanes_ * kernels::rows_together;
     if (first >= held_first_ && end <= held_end_) return;
     int32_t from = first;
@@ -161,17 +168,13 @@ void JoinedPasses::ready_columns(int32_t row, int32_t first, int32_t end) {
     }
     held_first_ = first;
     held_end_ = end;
-    for (int32_t part = 0; part < rows_at_once_; part += static_cast<int32_t>(kernels::rows_together)) {
-        double *target =
-            columns_.get() + static_cast<size_t>(from - first) * column_size + static_cast<size_t>(part) * channels_;
-        kernels::gather_columns(target, lanes_, group_at(row + part), static_cast<size_t>(from),
-                                static_cast<size_t>(end - from));
-    }
+    double *target = columns_.get() + static_cast<size_t>(from - first) * column_size;
+    for (size_t lane = 0; lane < lanes_; lane += channels_, target += channels_ * kernels::rows_together)
+        kernels::gather_columns(target, lanes_, *groups++, static_cast<size_t>(from), static_cast<size_t>(end - from));
 }
 
-void JoinedPasses::make_rows(int32_t row, int32_t start, int32_t end) {
-    held_first_ = held_end_ = 0;
-    const size_t group_size = outputs_at_once * channels_ * kernels::rows_together;
+void JoinedPasses::plan_blocks(int32_t start, int32_t end) {
+    block_count_ = 0;
     for (int32_t x = start; x < end;) {
         int32_t next = x, first = column_lists_[x].first, last = first;
         for (; next < end && next - x < outputs_at_once; ++next) {
@@ -181,25 +184,42 @@ void JoinedPasses::make_rows(int32_t row, int32_t start, int32_t end) {
             first = lower;
             last = upper;
         }
-        ready_columns(row, first, last + 1);
-        const auto count = static_cast<size_t>(next - x);
-        kernels::weigh_columns(means_.get(), group_size, columns_.get(), held_first_, channels_, column_lists_ + x,
-                               count);
-        for (int32_t part = 0; part < rows_at_once_; part += static_cast<int32_t>(kernels::rows_together)) {
-            std::array<double *, kernels::rows_together> targets;
-            for (size_t r = 0; r < kernels::rows_together; ++r)
-                targets[r] = ring_row(int64_t{row} + part + static_cast<int64_t>(r)) +
-                             static_cast<size_t>(x - start) * channels_;
-            kernels::deal_means(targets, means_.get() + static_cast<size_t>(part) / kernels::rows_together * group_size,
-                                count * channels_);
-        }
+        // The next block's values then start a cache line too.
+        if (next != end && next - x > 8) next -= (next - x) % 8;
+        blocks_[static_cast<size_t>(block_count_++)] = {x, next, first, last + 1};
         x = next;
     }
+}
+
+void JoinedPasses::make_rows(int32_t row, int32_t start, int32_t end) {
+    held_first_ = held_end_ = 0;
+    const size_t group_size = outputs_at_once * channels_ * kernels::rows_together;
+    const auto parts = static_cast<size_t>(rows_at_once_) / kernels::rows_together;
+    std::array<kernels::RowGroup, most_parts> groups;
+    std::array<std::array<double *, kernels::rows_together>, most_parts> targets;
+    for (size_t part = 0; part < parts; ++part) {
+        const int64_t first = int64_t{row} + static_cast<int64_t>(part * kernels::rows_together);
+        groups[part] = group_at(first);
+        for (size_t r = 0; r < kernels::rows_together; ++r)
+            targets[part][r] = ring_row(first + static_cast<int64_t>(r));
+    }
+    for (int32_t i = 0; i < block_count_; ++i) {
+        const Block &block = blocks_[static_cast<size_t>(i)];
+        ready_columns(groups.data(), block.first_input, block.inputs_end);
+        const auto count = static_cast<size_t>(block.end - block.start);
+        kernels::weigh_columns(means_.get(), group_size, columns_.get(), held_first_, channels_,
+                               column_lists_ + block.start, count);
+        for (size_t part = 0; part < parts; ++part) {
+            kernels::deal_means(targets[part], means_.get() + part * group_size, count * channels_);
+            for (double *&target : targets[part]) target += count * channels_;
+        }
+    }
     if (temp_ == nullptr) return;
+    const bool passes_by = static_cast<int64_t>(temp_->RowSize) * source_.Height > cached_bytes;
     for (int32_t y = row; y < source_.Height && y - row < rows_at_once_; ++y)
         kernels::write_working_pixels(temp_->row_accessor(*temp_, y) +
                                           static_cast<size_t>(start) * kernels::working_pixel_size,
-                                      ring_row(y), channels_, static_cast<size_t>(end - start));
+                                      ring_row(y), channels_, static_cast<size_t>(end - start), passes_by);
 }
 
 void JoinedPasses::make_outputs(int32_t first, int32_t rows, int32_t start, int32_t end) {
@@ -215,15 +235,10 @@ void JoinedPasses::make_outputs(int32_t first, int32_t rows, int32_t start, int3
 }
 
 void JoinedPasses::make_output(int32_t y, const double *const *rows, int32_t start, int32_t x, int32_t width) {
-    const auto step = static_cast<size_t>(destination_.PixelSize);
     const auto count = static_cast<size_t>(width);
-    uint8_t *target = destination_.row_accessor(destination_, y) + static_cast<size_t>(x) * step;
-    uint8_t *bytes = dense_ ? target + offset_of(destination_, carried_.lanes[0]) : bytes_.get();
-    kernels::mean_of_rows(bytes, rows, static_cast<size_t>(x - start) * channels_, row_lists_[y], count * channels_);
-    if (dense_) return;
-    for (size_t i = 0; i < channels_; ++i)
-        for (Channel channel : carried_.targets_of(carried_.lanes[i]))
-            kernels::copy_channel(target + offset_of(destination_, channel), step, bytes + i, channels_, 0, count);
+    uint8_t *target = writer_.start(x, y, bytes_.get());
+    kernels::mean_of_rows(target, rows, static_cast<size_t>(x - start) * channels_, row_lists_[y], count * channels_);
+    writer_.finish(count);
 }
 
 } // namespace kzb

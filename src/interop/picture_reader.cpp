@@ -45,7 +45,8 @@ PictureReader::~PictureReader() {
 bool PictureReader::open(Picture picture) {
     if (picture == nullptr) return false;
     if (lock(picture)) return true;
-    auto copy = copy_of_depth_32(picture, picture_width(picture), picture_height(picture));
+    const int32_t width = picture_width(picture);
+    auto copy = copy_of_depth_32(picture, width, picture_height(picture));
     return copy && lock(copy.get());
 }
 

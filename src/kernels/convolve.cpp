@@ -1,7 +1,5 @@
 #include "kernels/convolve.h"
 
-#include "image/bytes.h"
-
 #include <algorithm>
 
 namespace kzb::kernels {
@@ -48,11 +46,19 @@ int32_t with_delta(uint32_t sum, const Rounding &rounding) {
     return static_cast<int32_t>(static_cast<uint32_t>(rounding.delta) + sum);
 }
 
+// For a tile or less.
 void round_sums(uint8_t *target, const uint32_t *sums, const Rounding &rounding, size_t count) {
     if (rounding.scale == 1.0) {
         for (size_t i = 0; i < count; ++i) target[i] = clamped(with_delta(sums[i], rounding));
     } else {
-        for (size_t i = 0; i < count; ++i) target[i] = byte_from(with_delta(sums[i], rounding) * rounding.scale);
+        // In two steps, or the compiler makes branches of the choices.
+        double scaled[tile_size];
+        for (size_t i = 0; i < count; ++i) {
+            const double product = with_delta(sums[i], rounding) * rounding.scale;
+            scaled[i] = product > 0 ? product : 0.0;
+        }
+        for (size_t i = 0; i < count; ++i)
+            target[i] = static_cast<uint8_t>(static_cast<int32_t>(scaled[i] < 255 ? scaled[i] : 255.0));
     }
 }
 
@@ -73,22 +79,14 @@ template <class Finish> void for_each_tile(const Tap *taps, size_t tap_count, si
     }
 }
 
-} // namespace
-
-uint8_t rounded(uint32_t sum, const Rounding &rounding) {
-    uint8_t value;
-    round_sums(&value, &sum, rounding, 1);
-    return value;
-}
-
-void convolve(uint8_t *target, const Tap *taps, size_t tap_count, const Rounding &rounding, size_t count) {
+void convolve_loop(uint8_t *target, const Tap *taps, size_t tap_count, const Rounding &rounding, size_t count) {
     for_each_tile(taps, tap_count, count, [&](size_t start, const uint32_t *sums, size_t length) {
         round_sums(target + start, sums, rounding, length);
     });
 }
 
-void convolve_in_place(uint8_t *target, const Tap *taps, size_t tap_count, const Feedback &feedback,
-                       const Rounding &rounding, size_t count) {
+void convolve_in_place_loop(uint8_t *target, const Tap *taps, size_t tap_count, const Feedback &feedback,
+                            const Rounding &rounding, size_t count) {
     const auto first = static_cast<uint32_t>(feedback.first);
     const auto second = static_cast<uint32_t>(feedback.second);
     for_each_tile(taps, tap_count, count, [&](size_t start, const uint32_t *sums, size_t length) {
@@ -99,5 +97,16 @@ void convolve_in_place(uint8_t *target, const Tap *taps, size_t tap_count, const
         }
     });
 }
+
+} // namespace
+
+uint8_t rounded(uint32_t sum, const Rounding &rounding) {
+    uint8_t value;
+    round_sums(&value, &sum, rounding, 1);
+    return value;
+}
+
+decltype(convolve) convolve = compiled<convolve_loop>();
+decltype(convolve_in_place) convolve_in_place = compiled<convolve_in_place_loop>();
 
 } // namespace kzb::kernels

@@ -1,6 +1,8 @@
 // Weighted sums of bytes.
 #pragma once
 
+#include "kernels/row_function.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -23,7 +25,9 @@ uint8_t rounded(uint32_t sum, const Rounding &rounding);
 
 // target[i] = the rounded sum of weight * samples[i] over the taps, for i below count. No tap's samples are the
 // target's bytes.
-void convolve(uint8_t *target, const Tap *taps, size_t tap_count, const Rounding &rounding, size_t count);
+extern const RowFunction<void(uint8_t *target, const Tap *taps, size_t tap_count, const Rounding &rounding,
+                              size_t count)>
+    convolve;
 
 // Weights of a row's own earlier bytes, as the filter has already left them.
 struct Feedback {
@@ -32,7 +36,8 @@ struct Feedback {
 };
 
 // The same with the feedback added to each sum, in ascending order. Samples may be target bytes at or after i.
-void convolve_in_place(uint8_t *target, const Tap *taps, size_t tap_count, const Feedback &feedback,
-                       const Rounding &rounding, size_t count);
+extern const RowFunction<void(uint8_t *target, const Tap *taps, size_t tap_count, const Feedback &feedback,
+                              const Rounding &rounding, size_t count)>
+    convolve_in_place;
 
 } // namespace kzb::kernels

@@ -11,8 +11,6 @@ constexpr auto mean_baseline = mean_of_rows_loop<16, false>;
 
 } // namespace
 
-decltype(write_working_pixels) write_working_pixels = compiled<write_working_pixels_loop>();
-
 #if defined(__x86_64__) || defined(__i386__)
 
 namespace {
@@ -27,6 +25,8 @@ decltype(gather_columns) gather_columns =
 decltype(weigh_columns) weigh_columns = compiled<weigh_baseline, weigh_avx2, weigh_columns_avx512>();
 decltype(deal_means) deal_means = compiled<deal_means_loop, Compiled<deal_means_loop>::avx2, deal_means_avx512>();
 decltype(mean_of_rows) mean_of_rows = compiled<mean_baseline, mean_avx2, mean_of_rows_avx512>();
+decltype(write_working_pixels) write_working_pixels =
+    compiled<write_working_pixels_loop, Compiled<write_working_pixels_loop>::avx2, write_working_pixels_avx512>();
 
 #else
 
@@ -34,6 +34,7 @@ decltype(gather_columns) gather_columns = compiled<gather_columns_loop>();
 decltype(weigh_columns) weigh_columns = compiled<weigh_baseline>();
 decltype(deal_means) deal_means = compiled<deal_means_loop>();
 decltype(mean_of_rows) mean_of_rows = compiled<mean_baseline>();
+decltype(write_working_pixels) write_working_pixels = compiled<write_working_pixels_loop>();
 
 #endif
 

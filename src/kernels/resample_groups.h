@@ -53,7 +53,8 @@ extern const RowFunction<void(uint8_t *bytes, const double *const *rows, size_t 
     mean_of_rows;
 
 // The working pixels of a row of doubles that hold floats' values; `channels` as in the source: gray; gray and alpha;
-// red, green and blue; all four.
-extern const RowFunction<void(uint8_t *target, const double *row, size_t channels, size_t count)> write_working_pixels;
+// red, green and blue; all four. `passes_by`: the caches may be left to others.
+extern const RowFunction<void(uint8_t *target, const double *row, size_t channels, size_t count, bool passes_by)>
+    write_working_pixels;
 
 } // namespace kzb::kernels

@@ -1,16 +1,9 @@
 #include "kernels/resample_groups_avx512.h"
 
+#include "kernels/avx512.h"
 #include "kernels/resample_groups_loops.h"
 
 #if defined(__x86_64__) || defined(__i386__)
-
-#include <immintrin.h>
-
-// The compiler's own header leaves registers undefined on purpose.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#endif
 
 namespace kzb::kernels {
 
@@ -186,6 +179,30 @@ KZB_TARGET_AVX512 void mean_of_rows_avx512(uint8_t *bytes, const double *const *
         else
             _mm256_mask_storeu_epi8(bytes + i, ~__mmask32{0} >> (32 - (count - i)), result);
     }
+}
+
+KZB_TARGET_AVX512 void write_working_pixels_avx512(uint8_t *target, const double *row, size_t channels, size_t count,
+                                                   bool passes_by) {
+    constexpr __mmask16 slots[] = {0x2222, 0xaaaa, 0x7777, 0xffff};
+    constexpr size_t line = 64, pixels_at_once = line / working_pixel_size;
+    const auto off = reinterpret_cast<uintptr_t>(target) % line;
+    if (!passes_by || off % working_pixel_size != 0)
+        return write_working_pixels_loop(target, row, channels, count, false);
+    const size_t head = std::min(count, (line - off) % line / working_pixel_size);
+    write_working_pixels_loop(target, row, channels, head, false);
+    const __mmask8 low = static_cast<__mmask8>(channels == 1 ? 0x0f : 0xff);
+    const __mmask8 high = static_cast<__mmask8>(channels == 3 ? 0x0f : channels == 4 ? 0xff : 0);
+    size_t done = head;
+    for (; count - done >= pixels_at_once; done += pixels_at_once) {
+        const double *values = row + done * channels;
+        const __m256 first = _mm512_cvtpd_ps(_mm512_maskz_loadu_pd(low, values));
+        const __m256 second = _mm512_cvtpd_ps(_mm512_maskz_loadu_pd(high, values + 8));
+        const __m512 floats = _mm512_insertf32x8(_mm512_castps256_ps512(first), second, 1);
+        _mm512_stream_ps(reinterpret_cast<float *>(target + done * working_pixel_size),
+                         _mm512_maskz_expand_ps(slots[channels - 1], floats));
+    }
+    _mm_sfence();
+    write_working_pixels_loop(target + done * working_pixel_size, row + done * channels, channels, count - done, false);
 }
 
 } // namespace kzb::kernels

@@ -11,5 +11,7 @@ void weigh_columns_avx512(float *means, size_t group_size, const double *columns
 void deal_means_avx512(const std::array<double *, rows_together> &rows, const float *means, size_t count);
 void mean_of_rows_avx512(uint8_t *bytes, const double *const *rows, size_t start, const ContributionList &list,
                          size_t count);
+// Writes past the caches: half the traffic of a target that is not read soon.
+void write_working_pixels_avx512(uint8_t *target, const double *row, size_t channels, size_t count, bool passes_by);
 
 } // namespace kzb::kernels

@@ -154,7 +154,8 @@ template <size_t channels> inline void write_working_pixels_of(uint8_t *target, 
     }
 }
 
-inline void write_working_pixels_loop(uint8_t *target, const double *row, size_t channels, size_t count) {
+inline void write_working_pixels_loop(uint8_t *target, const double *row, size_t channels, size_t count,
+                                      [[maybe_unused]] bool passes_by) {
     if (channels == 1) write_working_pixels_of<1>(target, row, count);
     if (channels == 2) write_working_pixels_of<2>(target, row, count);
     if (channels == 3) write_working_pixels_of<3>(target, row, count);

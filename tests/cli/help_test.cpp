@@ -57,10 +57,11 @@ TEST_F(Help, ListsEveryRegisteredMethodInOneLineWithASentence) {
     EXPECT_FALSE(contains(list, "\nOthers\n")) << "a method belongs to no family";
 }
 
-TEST_F(Help, ListsNoMethodThatCannotBeAStep) {
+TEST_F(Help, MarksNoMethodAsAllCanBeSteps) {
     const std::string list = text({"list"});
-    EXPECT_FALSE(contains(list, "\n* ")) << list;
-    EXPECT_FALSE(contains(list, "marked")) << list;
+    for (const char *line : {"\n  GammaFilter ", "\n  CopyPixels ", "\n  CopyMask ", "\n  Constructor ", "\n  RawRow "})
+        EXPECT_TRUE(contains(list, line)) << line;
+    EXPECT_FALSE(contains(list, "*")) << list;
 }
 
 TEST_F(Help, ShowsEveryDeclarationOfEveryMethodWithItsArguments) {
@@ -85,7 +86,7 @@ TEST_F(Help, TellsHowAMethodIsWrittenAsAStep) {
     EXPECT_TRUE(contains(gamma, "nil: the chain ends with exit code 1")) << gamma;
     const std::string copy = text({"help", "CopyPixels"});
     EXPECT_TRUE(contains(copy, "\n  : CopyPixels\n")) << copy;
-    EXPECT_TRUE(contains(copy, "\n  source  the current picture; the step writes a new one")) << copy;
+    EXPECT_TRUE(contains(copy, "\n  source  the current picture, from which the step makes a new one;")) << copy;
     const std::string fill = text({"help", "FillRectRGB"});
     EXPECT_TRUE(contains(fill, "\n  FillColor  a colour, #RRGGBB, &hRRGGBB or a name\n")) << fill;
     const std::string row = text({"help", "RawRow"});
@@ -97,8 +98,7 @@ TEST_F(Help, TellsHowAMethodIsWrittenAsAStep) {
 TEST_F(Help, TellsWhatEveryArgumentTakesAndGivesAnExample) {
     for (const auto &[name, declarations] : registered()) {
         const std::string help = text({"help", name});
-        EXPECT_EQ(contains(help, "\nExample\n  kzb "), !contains(help, "  none: it ")) << help;
-        EXPECT_TRUE(contains(help, "\nExample")) << help;
+        EXPECT_TRUE(contains(help, "\nExample\n  kzb photo.")) << help;
         const size_t begin = help.find("\nArguments\n"), end = help.find("\n\n", begin + 1);
         if (begin == help.npos) continue;
         std::istringstream arguments(help.substr(begin + 11, end - begin - 11));

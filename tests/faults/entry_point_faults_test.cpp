@@ -73,6 +73,18 @@ TEST(EntryPoints, EachIsCalledBySomeRow) {
     }
 }
 
+TEST(EntryPoints, AnArrayIsReadOnceForAllTheChannelsThatItServes) {
+    const size_t reading = entry_point_index("RuntimeDirectReadIntArray");
+    const Image image(2, 2, 2);
+    const Value gray = array_of(std::vector<int32_t>(300, 7)), alpha = array_of({1, 2, 3});
+    uint64_t before = calls_of_entry_point(reading);
+    image.call("TransferFilter", nullptr, gray);
+    EXPECT_EQ(calls_of_entry_point(reading) - before, 256u);
+    before = calls_of_entry_point(reading);
+    image.call("TransferFilter", nullptr, gray, alpha);
+    EXPECT_EQ(calls_of_entry_point(reading) - before, 256u + 3u);
+}
+
 class Missing : public testing::TestWithParam<size_t> {};
 
 // A module whose host lacks the entry point: no crash, and the balance is kept as far as it can be. Rows whose

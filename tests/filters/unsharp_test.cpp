@@ -1,6 +1,7 @@
 // Sharpening in place against a reference image.
 
 #include "filters/gray_lines.h"
+#include "filters/plain_unsharp.h"
 #include "fixtures/storages.h"
 
 #include <gtest/gtest.h>
@@ -12,22 +13,6 @@ namespace kzb::test {
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
-
-uint8_t sharpened(int a, int b, double amount, int32_t threshold) {
-    const int d = a - b;
-    if (std::abs(d) < threshold) return static_cast<uint8_t>(a);
-    const double v = d * (amount * 4.0 + 1.0) + b;
-    if (std::isnan(v) || v < 0) return 0;
-    return v > 255 ? 255 : static_cast<uint8_t>(v);
-}
-
-void unsharp(const PlainImage &image, const PlainImage &reference, double amount, int32_t threshold) {
-    for (int32_t y = 0; y < image.height; ++y)
-        for (int32_t x = 0; x < image.width; ++x)
-            for (Channel channel : image.channels())
-                image.set(x, y, channel,
-                          sharpened(image.get(x, y, channel), reference.get(x, y, channel), amount, threshold));
-}
 
 void expect_sharpened(const Image &image, const Image &reference, double amount, int32_t threshold,
                       const std::string &label) {

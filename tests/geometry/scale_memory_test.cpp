@@ -24,7 +24,7 @@ constexpr int32_t lanczos3 = 3;
 // The requests of a scaling through a given intermediate image, in their order: of one that makes both passes at once,
 // and of one that makes them one after the other, because it has to let the program run meanwhile.
 enum Request { column_lists = 1, column_weights, row_lists, row_weights, of_lists = row_weights };
-enum RequestAtOnce { ring = of_lists + 1, columns, means, bytes, list_rows, all_at_once = list_rows };
+enum RequestAtOnce { ring = of_lists + 1, columns, means, bytes, list_rows, blocks, all_at_once = blocks };
 enum RequestInTurn { source_row = of_lists + 1, sums, row_bytes, all_in_turn = row_bytes };
 
 class ShortOfMemory : public testing::Test {
@@ -86,7 +86,7 @@ TEST_F(ShortOfMemory, WithoutRowsToWorkInTheResultIsTheSame) {
             EXPECT_TRUE(std::equal(row.begin(), row.begin() + 20, expected.begin() + y * 64)) << request;
         }
     };
-    for (RequestAtOnce request : {ring, columns, means, bytes, list_rows}) expect_the_same(request);
+    for (RequestAtOnce request : {ring, columns, means, bytes, list_rows, blocks}) expect_the_same(request);
     image.set("YieldTicks", 1000);
     for (RequestInTurn request : {source_row, sums, row_bytes}) expect_the_same(request);
 }

@@ -84,6 +84,24 @@ TEST(Scale, RowsAndColumnsOfSeveralGroups) {
                 }
 }
 
+// Lists of one, two, four and eight equal pixels, and of other numbers.
+TEST(Scale, BoxesOfWholeNumbers) {
+    const struct {
+        Size from, to;
+    } cases[] = {{{160, 48}, {40, 12}},  {{160, 48}, {20, 6}}, {{161, 47}, {80, 23}},  {{160, 48}, {240, 72}},
+                 {{96, 31}, {288, 124}}, {{90, 33}, {30, 11}}, {{160, 48}, {159, 47}}, {{600, 64}, {75, 2}},
+                 {{33, 9}, {33, 9}},     {{128, 16}, {8, 1}},  {{3, 64}, {200, 8}}};
+    for (const auto &[from, to] : cases)
+        for (int32_t source_format : some_layouts)
+            for (int32_t format : {2, 6, 9, 11, 12, 13}) {
+                if (HasFailure()) return;
+                const Image source = random_image(from, source_format);
+                check_scale(random_image(to, format), source, Object(), box, to, "alone");
+                check_scale(random_image(to, format), source, random_image({to.width, from.height}, scaling_format),
+                            box, to, "with an intermediate image");
+            }
+}
+
 // Where means are whole numbers, the last bit of a quotient would show.
 TEST(Scale, FlatImages) {
     for (int32_t mode = 1; mode <= 7; ++mode)

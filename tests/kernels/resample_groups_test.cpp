@@ -166,18 +166,20 @@ TEST_P(ResampleGroups, MeansOfRowsAreTruncatedBytes) {
 TEST_P(ResampleGroups, WorkingPixelsHaveTheirSlots) {
     constexpr std::array<int, 4> slots[] = {{1}, {1, 3}, {0, 1, 2}, {0, 1, 2, 3}};
     for (size_t channels = 1; channels <= 4; ++channels)
-        for (size_t count = 1; count <= 40; ++count) {
-            std::vector<double> row(count * channels);
-            for (double &value : row) value = static_cast<float>(number(0, 255));
-            std::vector<float> pixels(count * 4 + 1, 77), expected(count * 4 + 1, 0);
-            expected.back() = 77;
-            for (size_t i = 0; i < row.size(); ++i)
-                expected[i / channels * 4 + static_cast<size_t>(slots[channels - 1][i % channels])] =
-                    static_cast<float>(row[i]);
-            write_working_pixels.at(GetParam())(reinterpret_cast<uint8_t *>(pixels.data()), row.data(), channels,
-                                                count);
-            ASSERT_EQ(pixels, expected) << channels << " channels, " << count;
-        }
+        for (size_t count = 1; count <= 40; ++count)
+            for (size_t start = 0; start < 6; ++start)
+                for (bool passes_by : {false, true}) {
+                    std::vector<double> row(count * channels);
+                    for (double &value : row) value = static_cast<float>(number(0, 255));
+                    std::vector<float> pixels(start + count * 4 + 1, 77), expected = pixels;
+                    std::fill_n(expected.begin() + static_cast<ptrdiff_t>(start), count * 4, 0.0F);
+                    for (size_t i = 0; i < row.size(); ++i)
+                        expected[start + i / channels * 4 + static_cast<size_t>(slots[channels - 1][i % channels])] =
+                            static_cast<float>(row[i]);
+                    write_working_pixels.at(GetParam())(reinterpret_cast<uint8_t *>(pixels.data() + start), row.data(),
+                                                        channels, count, passes_by);
+                    ASSERT_EQ(pixels, expected) << channels << " channels, " << count;
+                }
 }
 
 TEST_P(ResampleGroups, SincsAreThoseOfOneDistance) {

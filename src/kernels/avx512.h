@@ -1,0 +1,14 @@
+// The processor's vector functions, for row functions that are written by hand.
+#pragma once
+
+#if defined(__x86_64__) || defined(__i386__)
+
+#include <immintrin.h>
+
+// The compiler's own header leaves registers undefined on purpose.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#endif
+
+#endif
