@@ -93,7 +93,12 @@ Value Chain::new_picture(const PlannedStep &step) const {
     const Value height = Value::integer(step.integer("height").value_or(property(current_, "Height")));
     const Value format = Value::integer(property(current_, "ImageFormat"));
     const Value made = call(current_, "CreatePictureKZB", {width, height, format});
-    if (made.is_nil()) throw Obstacle{"the picture to write on could not be made" + scratch_hint()};
+    if (made.is_nil()) {
+        const std::string hint = scratch_hint();
+        const bool sensible = width.get().integer > 0 && height.get().integer > 0;
+        const char *in_files = sensible && hint.empty() ? " in memory; --scratch DIR keeps pictures in files" : "";
+        throw Obstacle{std::string("the picture to write on could not be made") + in_files + hint};
+    }
     if (yield_ticks_ > 0) set_property(made, "YieldTicks", yield_ticks_);
     return made;
 }

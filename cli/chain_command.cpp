@@ -142,15 +142,15 @@ Exit run_chain(const CommandLine &line) {
     ProgressLine progress(!line.quiet && !line.verbose);
     Results results(all, line, progress);
     if (line.jobs > 1 && all.size() > 1) {
-        const JobProgress unseen = [](double, const std::string &) {};
+        const JobProgress unseen = [](double, const std::string &, bool) {};
         run_workers(
             all.size(), line.jobs, [&](size_t index) { return result_of(all[index], settings, unseen); },
             [&](size_t index, const WorkResult &result) { return results.take(index, result); },
             [&] { results.draw(); });
         return results.finish();
     }
-    const JobProgress shown = [&](double part, const std::string &doing) {
-        if (progress.shown()) progress.draw(results.part_of_all(part), doing);
+    const JobProgress shown = [&](double part, const std::string &doing, bool long_step) {
+        if (progress.shown()) progress.draw(results.part_of_all(part), doing, long_step);
     };
     for (size_t i = 0; i < all.size(); ++i)
         if (!results.take(i, result_of(all[i], settings, shown))) break;

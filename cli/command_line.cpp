@@ -16,6 +16,8 @@ namespace kzb::cli {
 
 namespace {
 
+constexpr const char *chain_usage = "kzb INPUT... [: STEP [ARGUMENT...]]... -o OUTPUT";
+
 constexpr const char *description_text =
     "kzb reads pictures (PNG, JPEG, WebP, TIFF, PNM), sends each through a chain of the methods of PictureKZB, and "
     "writes the results.";
@@ -58,16 +60,26 @@ Exit codes
   4 the output could not be written  5 the module could not be loaded
 )";
 
+std::string command_usage(const Command &command) {
+    return std::string("kzb ") + command.name + (*command.usage != 0 ? " " : "") + command.usage;
+}
+
 // CLI11's help with the usage lines of this command.
 class HelpFormatter : public CLI::Formatter {
 public:
     std::string make_usage(const CLI::App *, std::string) const override {
-        std::string text = usage_text();
-        for (size_t end = text.find('\n'); end + 1 < text.size(); end = text.find('\n', end + 1))
-            text.insert(end + 1, "       ");
-        return "\nUsage: " + text;
+        return std::string("\nUsage: ") + chain_usage + "\n       kzb COMMAND ..., as below\n";
     }
-    std::string make_footer(const CLI::App *app) const override { return app->get_footer(); }
+    std::string make_footer(const CLI::App *app) const override {
+        constexpr size_t column = 33;
+        std::string text = "Commands\n";
+        for (const Command &command : commands()) {
+            std::string usage = command_usage(command);
+            usage.resize(std::max(usage.size() + 1, column), ' ');
+            text += "  " + usage + command.sentence + "\n";
+        }
+        return text + "\n" + app->get_footer();
+    }
 };
 
 // The options, bound to the fields of a command line.
@@ -201,7 +213,15 @@ bool exists(const std::string &path) {
 }
 
 void check_chain(const SortedWords &sorted, const CommandLine &line) {
-    if (sorted.plain.empty()) fail(Exit::usage, "there is no INPUT; use kzb INPUT : STEP ... -o OUTPUT");
+    if (sorted.plain.empty())
+        fail(Exit::usage, "there is no INPUT; use kzb INPUT : STEP ... -o OUTPUT, or see 'kzb --help'");
+    if (sorted.steps.empty() && line.output.empty() && !line.dry_run && !exists(sorted.plain.front())) {
+        Suggestion suggestion(sorted.plain.front());
+        for (const Command &command : commands()) suggestion.consider(command.name);
+        const std::string hint = suggestion.hint();
+        fail(Exit::usage, "there is neither a command nor a file " + sorted.plain.front() +
+                              (hint.empty() ? "; 'kzb --help' shows the commands" : hint));
+    }
     for (const std::string &word : sorted.plain)
         if (word.starts_with(':') && !exists(word))
             fail(Exit::usage, "'" + word + "' is no INPUT; a step begins with a ':' that stands alone");
@@ -222,9 +242,8 @@ std::vector<OptionFact> option_facts() {
 }
 
 std::string usage_text() {
-    std::string text = "kzb INPUT... [: STEP [ARGUMENT...]]... -o OUTPUT\n";
-    for (const Command &command : commands())
-        text += std::string("kzb ") + command.name + (*command.usage != 0 ? " " : "") + command.usage + "\n";
+    std::string text = std::string(chain_usage) + "\n";
+    for (const Command &command : commands()) text += command_usage(command) + "\n";
     return text;
 }
 

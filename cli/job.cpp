@@ -83,7 +83,7 @@ void add_notes(const WrittenPicture &written, const Work &work, JobReport &repor
 
 void run_job(const Work &work, const JobSettings &settings, const JobProgress &progress, JobReport &report) {
     // Six times in a second.
-    constexpr int64_t yield_ticks = 10;
+    constexpr int64_t yield_ticks = 10, large = 1'000'000;
     const CommandLine &line = settings.line;
     const std::vector<PlannedStep> &plan = settings.plan;
     const double parts = static_cast<double>(plan.size()) + 2;
@@ -91,7 +91,7 @@ void run_job(const Work &work, const JobSettings &settings, const JobProgress &p
 
     const std::string name = input_name(work.input);
     ReadPicture read = read_picture_file(work.input, line.max_pixels, [&](int64_t done, int64_t all) {
-        progress(static_cast<double>(done) / static_cast<double>(all) / parts, "reading " + name);
+        progress(static_cast<double>(done) / static_cast<double>(all) / parts, "reading " + name, false);
     });
     const auto reading = log.done("read " + name + ": " + describe_picture(read.picture, settings.catalogue));
 
@@ -102,8 +102,9 @@ void run_job(const Work &work, const JobSettings &settings, const JobProgress &p
         const double done = static_cast<double>(step.number) / parts;
         const std::string doing =
             name + ": step " + std::to_string(step.number) + " of " + std::to_string(plan.size()) + ", " + step.written;
-        const YieldWatch watch([&] { progress(done, doing); });
-        progress(done, doing);
+        const YieldWatch watch([&] { progress(done, doing, false); });
+        // Many methods yield at their start only.
+        progress(done, doing, property(chain.current(), "Width") * property(chain.current(), "Height") > large);
         chain.run(step);
         working += log.done("step " + std::to_string(step.number) + ", " + step.written + ": " +
                             describe_picture(chain.current(), settings.catalogue));
@@ -112,7 +113,8 @@ void run_job(const Work &work, const JobSettings &settings, const JobProgress &p
     const WriteOptions options = {line.quality, line.lossless, std::move(read.profile)};
     const WrittenPicture written =
         write_picture_file(chain.current(), work.output, options, settings.catalogue, [&](int64_t done, int64_t all) {
-            progress(1 - (1 - static_cast<double>(done) / static_cast<double>(all)) / parts, "writing " + work.output);
+            progress(1 - (1 - static_cast<double>(done) / static_cast<double>(all)) / parts, "writing " + work.output,
+                     false);
         });
     const auto writing = log.done("wrote " + work.output);
     log.shares(reading, working, writing);

@@ -16,8 +16,8 @@ struct JobSettings {
     const std::vector<PlannedStep> &plan;
 };
 
-// How far a job is: 0 to 1, and what it is doing.
-using JobProgress = std::function<void(double part, const std::string &doing)>;
+// How far a job is: 0 to 1, what it is doing, and whether it may be silent for a while from now on.
+using JobProgress = std::function<void(double part, const std::string &doing, bool long_step)>;
 
 // Lines to be told besides the result: notes and, with --verbose, what each step did and how long it took.
 struct JobReport {

@@ -34,28 +34,45 @@ private:
     sigset_t before_;
 };
 
-// A new picture over a file of its own, which loses its name at once: it goes with the picture, however the process
-// ends. Nil when that fails.
-Value picture_in_file(int32_t width, int32_t height, int32_t image_format) {
+// A new picture over the file; nil when that fails.
+Value picture_over(const std::string &path, int32_t width, int32_t height, int32_t image_format) {
+    const Value file = Value::object(reinterpret_cast<KZBObject>(kzb_folder_item_new(path.c_str())));
+    if (file.is_nil()) return file;
+    // The larger the blocks, the fewer times a turn maps each of them.
+    constexpr int64_t block_size = 64 << 20;
+    const kzb_value arguments[] = {Value::integer(width).get(), Value::integer(height).get(),
+                                   Value::integer(image_format).get(), Value::integer(block_size).get(), file.get()};
+    const Value picture = make(picture_class, arguments);
+    return property(picture, "Valid") != 0 ? picture : Value();
+}
+
+// A file that never has a name goes with its picture, however the process ends.
+Value picture_in_nameless_file(int32_t width, int32_t height, int32_t image_format) {
+    const int descriptor = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+    if (descriptor < 0) return Value();
+    const Value picture =
+        picture_over(std::string("/proc/self/fd/").append(std::to_string(descriptor)), width, height, image_format);
+    close(descriptor);
+    return picture;
+}
+
+// Where the file system knows none, the file loses its name at once.
+Value picture_in_named_file(int32_t width, int32_t height, int32_t image_format) {
     const SignalsHeld held;
     std::string path = folder + "/kzb-XXXXXX";
     const int descriptor = mkostemp(path.data(), O_CLOEXEC);
     if (descriptor < 0) return Value();
     close(descriptor);
-    const Value file = Value::object(reinterpret_cast<KZBObject>(kzb_folder_item_new(path.c_str())));
-    // The least size that the module accepts is the best one: blocks of 16 megabytes.
-    const kzb_value arguments[] = {Value::integer(width).get(), Value::integer(height).get(),
-                                   Value::integer(image_format).get(), Value::integer(0).get(), file.get()};
-    Value picture;
-    if (!file.is_nil()) picture = make(picture_class, arguments);
+    const Value picture = picture_over(path, width, height, image_format);
     unlink(path.c_str());
-    return !picture.is_nil() && property(picture, "Valid") != 0 ? picture : Value();
+    return picture;
 }
 
 // The event of the factory.
 KZBObject new_picture(KZBObject, int32_t width, int32_t height, int32_t image_format) noexcept {
     try {
-        const Value picture = picture_in_file(width, height, image_format);
+        Value picture = picture_in_nameless_file(width, height, image_format);
+        if (picture.is_nil()) picture = picture_in_named_file(width, height, image_format);
         if (!picture.is_nil()) {
             kzb_retain(&picture.get());
             return picture.get().object;

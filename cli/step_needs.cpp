@@ -11,7 +11,7 @@ struct Need {
     const char *need;
 };
 
-constexpr const char *new_picture = "a gray or coloured picture, and memory for a new one";
+constexpr const char *new_picture = "a gray or coloured picture, and memory for a new one or a folder by --scratch";
 constexpr const char *row = "a row of the picture, counted from 0, and a layout from ImageFormatRGB to ImageFormat4of4";
 constexpr const char *rectangle = "a rectangle that shares a point with the picture, and memory for what it gives";
 

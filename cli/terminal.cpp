@@ -42,12 +42,12 @@ void print_line(const std::string &text) {
 
 ProgressLine::ProgressLine(bool wanted) : shown_(wanted && isatty(STDERR_FILENO) == 1) {}
 
-void ProgressLine::draw(double part, const std::string &text) {
+void ProgressLine::draw(double part, const std::string &text, bool now) {
     constexpr auto interval = std::chrono::milliseconds(100);
     constexpr size_t bar_width = 24;
-    if (!shown_ || Clock::now() - last_ < interval) return;
     // What is done in a moment needs no bar.
-    if (!drawn_ && Clock::now() - begin_ < 2 * interval) return;
+    const bool early = Clock::now() - last_ < interval || (!drawn_ && Clock::now() - begin_ < 2 * interval);
+    if (!shown_ || (early && !now)) return;
     last_ = Clock::now();
     const auto full = static_cast<size_t>(std::clamp(part, 0.0, 1.0) * bar_width);
     char time[32];

@@ -20,8 +20,8 @@ public:
 
     bool shown() const { return shown_; }
 
-    // `part`: how much is done, 0 to 1.
-    void draw(double part, const std::string &text);
+    // `part`: how much is done, 0 to 1. `now`: even if something else was drawn a moment ago.
+    void draw(double part, const std::string &text, bool now = false);
 
     // Takes the line away, for a message.
     void clear();

@@ -20,9 +20,11 @@ int create_beside(const std::string &path, std::string &temporary, UnfinishedFil
     int descriptor;
     do {
         temporary = folder + ".kzb-" + std::to_string(getpid()) + "-" + std::to_string(++count) + ".tmp";
+        // Noted first: a signal may come right after the file is made.
+        unfinished.note(temporary);
         descriptor = open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (descriptor < 0) unfinished.forget();
     } while (descriptor < 0 && (errno == EEXIST || errno == EINTR));
-    if (descriptor >= 0) unfinished.note(temporary);
     return descriptor;
 }
 

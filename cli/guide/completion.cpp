@@ -122,7 +122,7 @@ std::string filled(const char *script, const Catalogue &catalogue) {
 constexpr const char *bash_script = R"(# Completion of kzb for bash; made by 'kzb completion bash'.
 _kzb() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} method='' i
-    local arguments='' constants='' choices='' candidate
+    local arguments='' constants='' choices='' kept='' candidate
     COMPREPLY=()
     for ((i = COMP_CWORD - 1; i > 0; --i)); do
         [[ ${COMP_WORDS[i]} == : ]] && break
@@ -130,19 +130,26 @@ _kzb() {
     ((i > 0 && i + 1 < COMP_CWORD)) && method=${COMP_WORDS[i+1],,}
     case $method in
 %CASES%    esac
-    if [[ $word == = ]]; then
+    # '=' and '@' are words of their own to bash.
+    if [[ $word == [=@] ]]; then
+        before=$word
         word=''
-        before='='
     fi
+    for candidate in ${COMP_LINE:0:COMP_POINT}; do
+        [[ $candidate == =?* ]] && kept+=" ${candidate#=}"
+    done
     if [[ $before == @(%VALUE_OPTIONS%) ]]; then
         choices=''
     elif [[ $word == -* ]]; then
         choices='%OPTIONS%'
+    elif ((i > 0)) && [[ $before == @ ]]; then
+        choices=$kept
     elif ((i > 0)) && [[ $before == : ]]; then
         choices='%STEPS%'
     elif [[ -n $method ]]; then
         choices=$constants
         [[ $before == = ]] || choices+=" $arguments"
+        for candidate in $kept; do choices+=" @$candidate"; done
     elif ((COMP_CWORD == 2)) && [[ $before == help || $before == list ]]; then
         choices='%METHODS%'
     elif ((COMP_CWORD == 2)) && [[ $before == completion ]]; then
@@ -164,6 +171,7 @@ constexpr const char *zsh_script = R"(#compdef kzb
 # Completion of kzb for zsh; made by 'kzb completion zsh'.
 _kzb() {
     local word=$words[CURRENT] before=$words[CURRENT-1] method='' arguments='' constants=''
+    local -a kept=(${${(M)words[1,CURRENT-1]:#=?*}/#=/@})
     local -i i=CURRENT-1
     while ((i > 1)) && [[ $words[i] != : ]]; do ((--i)); done
     ((i > 1 && i + 1 < CURRENT)) && method=${(L)words[i+1]}
@@ -174,12 +182,12 @@ _kzb() {
     elif [[ $word == -* ]]; then
         compadd -M 'm:{a-zA-Z}={A-Za-z}' -- ${=:-%OPTIONS%}
     elif ((i > 1)) && [[ $before == : ]]; then
-        compadd -M 'm:{a-zA-Z}={A-Za-z}' -- ${=:-%STEPS%}
+        compadd -M 'm:{a-zA-Z}={A-Za-z}' -- ${=:-%STEPS%} $kept
     elif [[ -n $method ]]; then
         if [[ $word == *=* ]]; then
-            compadd -M 'm:{a-zA-Z}={A-Za-z}' -P "${word%%=*}=" -- ${=constants}
+            compadd -M 'm:{a-zA-Z}={A-Za-z}' -P "${word%%=*}=" -- ${=constants} $kept
         else
-            compadd -M 'm:{a-zA-Z}={A-Za-z}' -- ${=constants}
+            compadd -M 'm:{a-zA-Z}={A-Za-z}' -- ${=constants} $kept
             compadd -M 'm:{a-zA-Z}={A-Za-z}' -S '' -- ${=arguments}
         fi
     elif ((CURRENT == 3)) && [[ $before == (help|list) ]]; then
@@ -218,7 +226,11 @@ function __kzb_at_word
         test (count $argv) -eq 1; or contains -- "$words[2]" $argv[2..-1]
     end
 end
+function __kzb_kept
+    commandline -opc | string replace -rf '^=(.+)' '@$1'
+end
 complete -c kzb -n __kzb_step -f
+complete -c kzb -n __kzb_step -a '(__kzb_kept)' -d 'kept picture'
 )";
 
 std::string fish_quoted(const std::string &text) {

@@ -19,8 +19,8 @@ Every class, method, property and constant of the module, as it registers them. 
 
 Command lines run as they stand in a folder with the pictures `photo.jpg`, without alpha, and `photo.png`, with alpha.
 `kzb help METHOD` shows the same for one method, with what a chain supplies by itself. The examples in C stand in a
-program with the embedded host ([runtime.md](runtime.md)): `image` is a `PictureKZB`, `picture` a picture of the host, and
-`integer(n)` makes a value of a number. Names are the same in upper and lower case.
+program with the embedded host ([runtime.md](runtime.md)): `image` is a `PictureKZB`, `picture` a picture of the host,
+and `integer(n)` makes a value of a number. Names are the same in upper and lower case.
 
 )";
 

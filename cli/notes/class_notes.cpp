@@ -59,7 +59,8 @@ constexpr Note shared[] = {
 
 constexpr ConstantGroup groups[] = {
     {"ImageFormat", "Layouts",
-     "The order of the bytes in a pixel; X is an unused byte. 1of3 to 4of4 are one byte of a wider pixel, and the names "
+     "The order of the bytes in a pixel; X is an unused byte. 1of3 to 4of4 are one byte of a wider pixel, and the "
+     "names "
      "below them say which byte of which layout that is."},
     {"Scale", "Scaling filters", "From the softest and quickest to the sharpest."},
     {"Dither", "Dither patterns", "The size in the name is that of the pattern, in pixels."},

@@ -11,7 +11,7 @@ constexpr const char *unscaled =
 constexpr MethodNote pictures[] = {
     {.name = "CopyPicture",
      .sentence = "A rectangle's colours, or all, as a picture of the host.",
-     .also = "opaque flatten alpha crop",
+     .also = "opaque flatten alpha crop transparent",
      .remark = "Without alpha: what was transparent shows the colours beneath. An empty rectangle gives nil.",
      .example = "kzb photo.png : CopyPicture -o opaque.png"},
     {.name = "CopyMask",
@@ -33,8 +33,8 @@ constexpr MethodNote pictures[] = {
     {.name = "DrawPictureRedToGrayChannel",
      .sentence = "Copies a host's picture's red into gray.",
      .remark = unscaled,
-     .example =
-         "kzb photo.jpg : =photo : BlueChannel : Clone : DrawPictureRedToGrayChannel @photo 100 60 200 120 -o drawn-red.png",
+     .example = "kzb photo.jpg : =photo : BlueChannel : Clone : DrawPictureRedToGrayChannel @photo 100 60 200 120 -o "
+                "drawn-red.png",
      .program = "/* A mask's gray, which its red holds too, becomes the alpha. */\n"
                 "kzb_value alpha, arguments[] = {picture, integer(0), integer(0), integer(48), integer(32)};\n"
                 "kzb_call(image, \"AlphaChannel\", NULL, 0, &alpha, &error);\n"
@@ -43,8 +43,8 @@ constexpr MethodNote pictures[] = {
     {.name = "DrawPictureGreenToGrayChannel",
      .sentence = "Copies a host's picture's green into gray.",
      .remark = unscaled,
-     .example =
-         "kzb photo.jpg : =photo : BlueChannel : Clone : DrawPictureGreenToGrayChannel @photo 100 60 200 120 -o drawn-green.png",
+     .example = "kzb photo.jpg : =photo : BlueChannel : Clone : DrawPictureGreenToGrayChannel @photo 100 60 200 120 -o "
+                "drawn-green.png",
      .program = "kzb_value gray, arguments[] = {picture, integer(0), integer(0), integer(48), integer(32)};\n"
                 "kzb_call(image, \"GreenChannel\", NULL, 0, &gray, &error);\n"
                 "kzb_call(gray.object, \"DrawPictureGreenToGrayChannel\", arguments, 5, NULL, &error);\n"
@@ -52,8 +52,8 @@ constexpr MethodNote pictures[] = {
     {.name = "DrawPictureBlueToGrayChannel",
      .sentence = "Copies a host's picture's blue into gray.",
      .remark = unscaled,
-     .example =
-         "kzb photo.jpg : =photo : RedChannel : Clone : DrawPictureBlueToGrayChannel @photo 100 60 200 120 -o drawn-blue.png",
+     .example = "kzb photo.jpg : =photo : RedChannel : Clone : DrawPictureBlueToGrayChannel @photo 100 60 200 120 -o "
+                "drawn-blue.png",
      .program = "kzb_value gray, arguments[] = {picture, integer(0), integer(0), integer(48), integer(32)};\n"
                 "kzb_call(image, \"BlueChannel\", NULL, 0, &gray, &error);\n"
                 "kzb_call(gray.object, \"DrawPictureBlueToGrayChannel\", arguments, 5, NULL, &error);\n"
@@ -63,7 +63,7 @@ constexpr MethodNote pictures[] = {
 constexpr MethodNote making[] = {
     {.name = "CreatePictureKZB",
      .sentence = "A new picture of a size and layout, all bytes 0.",
-     .also = "blank canvas",
+     .also = "blank canvas color border frame",
      .remark =
          "Comes from the picture's Factory, else from the process's, else from memory; what a factory gives is not "
          "compared with what was asked for. Nil when there is no such layout or not enough memory.",
@@ -106,8 +106,8 @@ constexpr MethodNote rows[] = {
      .remark =
          "The block has no size of its own, and is good until the picture is closed or, in a file, until another row "
          "is reached. Nil for a picture that is not Valid.",
-     .example =
-         "kzb photo.jpg : RawRow 120 =row : Row 200 value=@row : Row 201 value=@row : Row 202 value=@row -o raw-row.png",
+     .example = "kzb photo.jpg : RawRow 120 =row : Row 200 value=@row : Row 201 value=@row : Row 202 value=@row -o "
+                "raw-row.png",
      .program = "kzb_value row, index = integer(0);\n"
                 "kzb_call(image, \"RawRow\", &index, 1, &row, &error);\n"
                 "unsigned char *bytes = kzb_block_bytes((KZBMemoryBlock)row.object, NULL);\n"
@@ -127,8 +127,8 @@ constexpr MethodNote rows[] = {
      .also = "convert",
      .remark = "The block holds width x the layout's pixel size, without padding. Where the picture has no alpha, the "
                "alpha of what is read stays 0, and an assigned row without alpha leaves the picture's as it is.",
-     .example =
-         "kzb photo.jpg : RowInFormat 60 ImageFormatG =gray : RowInFormat 60 ImageFormatG value=@gray -o row-in-format.png",
+     .example = "kzb photo.jpg : RowInFormat 60 ImageFormatG =gray : RowInFormat 60 ImageFormatG value=@gray -o "
+                "row-in-format.png",
      .program = "kzb_value row, arguments[] = {integer(0), integer(11)}; /* 11: ImageFormatG */\n"
                 "kzb_call(image, \"RowInFormat\", arguments, 2, &row, &error);\n"
                 "kzb_assign(image, \"RowInFormat\", arguments, 2, &row, &error);\n"
@@ -139,7 +139,8 @@ constexpr MethodNote rows[] = {
      .also = "convert",
      .remark = "As RowInFormat. An assigned string must be long enough: no length is compared.",
      .example =
-         "kzb photo.jpg : RowStringInFormat 60 ImageFormatRGB =row : RowStringInFormat 60 ImageFormatBGR value=@row -o row-string.png",
+         "kzb photo.jpg : RowStringInFormat 60 ImageFormatRGB =row : RowStringInFormat 60 ImageFormatBGR value=@row "
+         "-o row-string.png",
      .program = "kzb_value text, arguments[] = {integer(0), integer(7)}; /* 7: ImageFormatBGRA */\n"
                 "kzb_call(image, \"RowStringInFormat\", arguments, 2, &text, &error);\n"
                 "printf(\"%d bytes\\n\", (int)text.string->length);\n"
@@ -150,7 +151,8 @@ constexpr MethodNote rows[] = {
      .remark =
          "Rows follow one another without padding. An assigned string must be long enough: no length is compared.",
      .example =
-         "kzb photo.jpg : DataStringInFormat ImageFormatRGB =data : DataStringInFormat ImageFormatBGR value=@data -o exchanged.jpg",
+         "kzb photo.jpg : DataStringInFormat ImageFormatRGB =data : DataStringInFormat ImageFormatBGR value=@data -o "
+         "exchanged.jpg",
      .program = "kzb_value data, layout = integer(1); /* 1: ImageFormatRGB */\n"
                 "kzb_call(image, \"DataStringInFormat\", &layout, 1, &data, &error);\n"
                 "kzb_assign(image, \"DataStringInFormat\", &layout, 1, &data, &error);\n"

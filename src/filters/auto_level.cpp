@@ -2,6 +2,7 @@
 #include "filters/tone.h"
 #include "geometry/extent.h"
 #include "image/bytes.h"
+#include "image/mapped_store.h"
 #include "image/paced_image.h"
 
 namespace kzb {
@@ -46,7 +47,7 @@ Boolean auto_level_rectangle(ImageObject object, int32_t x, int32_t y, int32_t w
     PacedImage paced(image);
     Counts counts = {};
     for (int32_t i = 0; i < rows.length; ++i) {
-        const uint8_t *row = image.row_accessor(image, rows.start + i);
+        const uint8_t *row = walked_row(image, rows.start + i);
         if (row == nullptr) return 0;
         const uint8_t *pixel = row + static_cast<int64_t>(columns.start) * image.PixelSize;
         for (int32_t k = 0; k < columns.length; ++k, pixel += image.PixelSize)

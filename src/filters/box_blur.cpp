@@ -1,6 +1,8 @@
 #include "filters/box_blur.h"
 
+#include "filters/blurred_rows.h"
 #include "image/destination.h"
+#include "image/factory.h"
 #include "image/packed_rows.h"
 #include "image/row_window.h"
 #include "image/storage.h"
@@ -118,10 +120,15 @@ void box_blur(ImageRecord &source, ImageRecord &destination, int64_t radius) {
                          source.PixelSize != destination.PixelSize ||
                          !rows_lie_apart(destination, channels, source.Width);
     const Channels ordered = plainly ? channels : in_byte_order(channels, source);
-    if (narrow(radius, source.Height))
+    if (!plainly && radius <= BlurredRows::largest_radius &&
+        sharing_of(source, destination, channels) == Sharing::none) {
+        BlurredRows rows(source, ordered, radius);
+        if (rows) rows.write_all(destination, ordered);
+    } else if (narrow(radius, source.Height)) {
         Pass<int32_t>(source, destination, ordered, radius, plainly).run();
-    else
+    } else {
         Pass<int64_t>(source, destination, ordered, radius, plainly).run();
+    }
 }
 
 } // namespace
@@ -133,11 +140,41 @@ ImageObject box_blur_filter(ImageObject image, ImageObject dest, double radius) 
     return passage->result.release();
 }
 
+ImageReference box_blur_unseen(ImageObject image, double radius, int32_t passes, const ChannelTables *tables) {
+    ImageRecord &source = *record_of(image);
+    // Otherwise user code may supply or meet the images between the passes.
+    if (may_ask_program(&source) || source.YieldTicks > 0 || !usable(source)) return {};
+    const int64_t whole = whole_radius(radius);
+    const Channels channels = in_byte_order(channels_of(source), source);
+    if (channels.size() == 0 || source.Width <= 0 || whole > BlurredRows::largest_radius) return {};
+    if (passes < 2 || passes > most_unseen_passes) return {};
+    std::array<std::optional<BlurredRows>, most_unseen_passes> blurs;
+    blurs[0].emplace(source, channels, whole);
+    for (size_t i = 1; i < static_cast<size_t>(passes); ++i) blurs[i].emplace(*blurs[i - 1]);
+    const bool ready = std::all_of(blurs.begin(), blurs.begin() + passes, [](const auto &blur) { return bool(*blur); });
+    if (!ready) return {};
+    auto result = create_image(&source, source.Width, source.Height, source.ImageFormat);
+    if (!result) return {};
+    ImageRecord &destination = *record_of(result.get());
+    if (!rows_may_run(source, destination, channels, source.Width, source.Height)) return {};
+    if (!blurs[static_cast<size_t>(passes) - 1]->write_all(destination, channels, tables)) return {};
+    return result;
+}
+
 ImageObject box_blur_filter_repeated(ImageObject image, ImageObject dest, double radius, int32_t iterations) {
     auto result = ImageReference::share(image);
-    for (int32_t i = 0; result && i < iterations; ++i) {
+    while (result && iterations > 0) {
+        if (dest == nullptr) {
+            const int32_t passes = std::min(iterations, most_unseen_passes);
+            if (auto blurred = box_blur_unseen(result.get(), radius, passes, nullptr)) {
+                result = std::move(blurred);
+                iterations -= passes;
+                continue;
+            }
+        }
         result = ImageReference::adopt(box_blur_filter(result.get(), dest, radius));
         dest = nullptr;
+        --iterations;
     }
     return result.release();
 }

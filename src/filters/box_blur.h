@@ -1,7 +1,8 @@
 // The mean of a square around each pixel.
 #pragma once
 
-#include "image/record.h"
+#include "filters/tables.h"
+#include "host/reference.h"
 
 namespace kzb {
 
@@ -18,5 +19,11 @@ ImageObject box_blur_filter(ImageObject image, ImageObject dest, double radius);
 // The blur repeated: the first pass goes into `dest`, each later one into a new image, of which the last is given.
 // Below one iteration gives the image itself. Nil when a pass gives nil.
 ImageObject box_blur_filter_repeated(ImageObject image, ImageObject dest, double radius, int32_t iterations);
+
+// At least two and at most `most_unseen_passes` passes into a new image, without images between them; with `tables` the
+// result's channels are then sent through these, alpha becoming 0 where it has none. None when user code might see the
+// images between, or other things speak against it; nothing has happened then.
+inline constexpr int32_t most_unseen_passes = 3;
+ImageReference box_blur_unseen(ImageObject image, double radius, int32_t passes, const ChannelTables *tables);
 
 } // namespace kzb

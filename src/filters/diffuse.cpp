@@ -3,6 +3,7 @@
 #include "image/destination.h"
 #include "image/row_ring.h"
 #include "image/storage.h"
+#include "kernels/scatter.h"
 
 #include <cstdlib>
 
@@ -47,25 +48,28 @@ void diffuse_plainly(ImageRecord &source, ImageRecord &destination, const Channe
 bool diffuse_by_rows(ImageRecord &source, ImageRecord &destination, const RowRoute &route, int32_t level) {
     const int32_t width = source.Width;
     const int32_t height = source.Height;
-    const size_t step = route.channels.size();
-    const Displacement displacement(level);
+    const auto count = static_cast<size_t>(width);
+    const kernels::Remainder remainder(2 * static_cast<uint32_t>(level) + 1);
     RowRing ring(source, route.channels, 2 * int64_t{level} + 1);
     PackedRows written(destination, route.channels, width, route.plain_destination);
-    Buffer<uint8_t> result(static_cast<int64_t>(written.bytes()));
-    if (!ring || !written || !result) return false;
+    Buffer<int32_t> columns(width), rows(width);
+    if (!ring || !written || !columns || !rows) return false;
     for (int32_t y = 0; y < height; ++y) {
         const int32_t start = std::max(y - level, 0);
         const auto end = static_cast<int32_t>(std::min<int64_t>(int64_t{y} + level + 1, height));
         if (!ring.read_through(end - 1)) return true;
-        const uint8_t *const *rows = ring.rows(start, end);
-        uint8_t *target = route.in_place ? ring.row(y) : result.get();
-        for (int32_t x = 0; x < width; ++x) {
-            const auto column = static_cast<size_t>(displacement.draw(x, width));
-            const auto row = static_cast<size_t>(displacement.draw(y, height) - start);
-            const uint8_t *pixel = rows[row] + column * step;
-            for (size_t i = 0; i < step; ++i) target[static_cast<size_t>(x) * step + i] = pixel[i];
+        // All of a row's numbers at once, in the order in which its pixels ask for them.
+        for (size_t x = 0; x < count; ++x) {
+            columns[x] = std::rand();
+            rows[x] = std::rand();
         }
-        if (!written.write(y, target)) return true;
+        kernels::place_near(columns.get(), remainder, 0, 1, level, width, count);
+        kernels::place_near(rows.get(), remainder, y, 0, level, height, count);
+        uint8_t *target = route.in_place ? ring.row(y) : written.place(y);
+        if (target == nullptr) return true;
+        kernels::gather_pixels(target, ring.rows(start, end), rows.get(), start, columns.get(), route.channels.size(),
+                               count);
+        if (!(route.in_place ? written.write(y, target) : written.finish(y))) return true;
     }
     return true;
 }

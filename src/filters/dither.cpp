@@ -2,6 +2,7 @@
 
 #include "filters/dither_matrices.h"
 #include "filters/tables.h"
+#include "image/mapped_store.h"
 #include "image/plain_walk.h"
 #include "kernels/look_up.h"
 #include "platform/buffer.h"
@@ -55,8 +56,8 @@ bool dither_by_rows(ImageRecord &source, ImageRecord &destination, const Channel
     const int32_t size = matrix.size;
     const int32_t width = source.Width;
     for (int32_t y = 0; y < source.Height; ++y) {
-        const uint8_t *row = source.row_accessor(source, y);
-        uint8_t *target = destination.row_accessor(destination, y);
+        const uint8_t *row = walked_row(source, y);
+        uint8_t *target = walked_row(destination, y);
         if (row == nullptr || target == nullptr) return true;
         for (int32_t x = 0; x < std::min(size, width); ++x) {
             const uint8_t *table = tables[static_cast<size_t>(y % size * size + x)].data();

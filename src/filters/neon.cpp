@@ -49,8 +49,7 @@ ImageObject neon_filter(ImageObject image, ImageObject dest) {
     const auto row_bytes = static_cast<int64_t>(written.bytes() + step);
     Buffer<uint8_t> row(row_bytes);
     Buffer<uint8_t> below(row_bytes);
-    Buffer<uint8_t> target(row_bytes);
-    if (!written || !row || !below || !target) return result.release();
+    if (!written || !row || !below) return result.release();
     if (!read_row_and_next_pixel(source, 0, channels, row.get())) return result.release();
     const int32_t height = source.Height;
     for (int32_t y = 0; y < height; ++y) {
@@ -58,8 +57,10 @@ ImageObject neon_filter(ImageObject image, ImageObject dest) {
             std::memset(below.get(), 0, static_cast<size_t>(row_bytes));
         else if (!read_row_and_next_pixel(source, y + 1, channels, below.get()))
             break;
-        kernels::neon(target.get(), row.get(), below.get(), step, written.bytes());
-        if (!written.write(y, target.get())) break;
+        uint8_t *target = written.place(y);
+        if (target == nullptr) break;
+        kernels::neon(target, row.get(), below.get(), step, written.bytes());
+        if (!written.finish(y)) break;
         std::swap(row, below);
     }
     return result.release();

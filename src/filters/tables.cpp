@@ -1,5 +1,6 @@
 #include "filters/tables.h"
 
+#include "image/mapped_store.h"
 #include "image/plain_walk.h"
 #include "kernels/look_up.h"
 
@@ -28,8 +29,8 @@ void apply_tables(ImageRecord &source, ImageRecord &destination, const ChannelTa
         return;
     }
     for (int32_t y = 0; y < height; ++y) {
-        const uint8_t *row = source.row_accessor(source, y);
-        uint8_t *target = destination.row_accessor(destination, y);
+        const uint8_t *row = walked_row(source, y);
+        uint8_t *target = walked_row(destination, y);
         if (row == nullptr || target == nullptr) return;
         look_up_row(target, destination, row, source, tables, width);
     }
@@ -38,7 +39,7 @@ void apply_tables(ImageRecord &source, ImageRecord &destination, const ChannelTa
 void apply_tables_in_place(ImageRecord &image, const ChannelTables &tables, int32_t x, int32_t y, int32_t width,
                            int32_t height) {
     for (int32_t i = 0; i < height; ++i) {
-        uint8_t *row = image.row_accessor(image, y + i);
+        uint8_t *row = walked_row(image, y + i);
         if (row == nullptr) return;
         row += static_cast<int64_t>(x) * image.PixelSize;
         look_up_row(row, image, row, image, tables, width);

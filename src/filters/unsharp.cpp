@@ -1,29 +1,16 @@
 #include "filters/unsharp.h"
 
-#include "image/bytes.h"
 #include "image/paced_image.h"
+#include "image/packed_rows.h"
 #include "image/storage.h"
-#include "kernels/look_up.h"
-#include "platform/buffer.h"
-
-#include <cstdlib>
+#include "kernels/sharpen.h"
 
 namespace kzb {
 
 namespace {
 
-// Indexed by 256 a + b, a being the image's byte and b the reference's.
-void fill_table(uint8_t *table, double amount, int32_t threshold) {
-    const double k = amount * 4.0 + 1.0;
-    for (int32_t a = 0; a < 256; ++a) {
-        for (int32_t b = 0; b < 256; ++b) {
-            const int32_t d = a - b;
-            *table++ = std::abs(d) < threshold ? static_cast<uint8_t>(a) : byte_from(d * k + b);
-        }
-    }
-}
-
-void sharpen_plainly(ImageRecord &image, ImageRecord &reference, const Channels &channels, const uint8_t *table) {
+void sharpen_plainly(ImageRecord &image, ImageRecord &reference, const Channels &channels,
+                     const kernels::Sharpening &sharpening) {
     const ChannelOffsets offsets = offsets_of(image, channels);
     const ChannelOffsets reference_offsets = offsets_of(reference, channels);
     for (int32_t y = 0; y < image.Height; ++y) {
@@ -32,22 +19,27 @@ void sharpen_plainly(ImageRecord &image, ImageRecord &reference, const Channels 
                 const uint8_t *read = channel_at(reference, x, y, reference_offsets[i]);
                 if (read == nullptr) continue;
                 const uint8_t b = *read;
-                if (uint8_t *a = channel_at(image, x, y, offsets[i])) *a = table[*a * 256 + b];
+                if (uint8_t *a = channel_at(image, x, y, offsets[i])) *a = sharpening(*a, b);
             }
         }
     }
 }
 
-void sharpen(ImageRecord &image, ImageRecord &reference, const Channels &channels, const uint8_t *table) {
+// False, with nothing done, when there is no memory for it.
+bool sharpen_rows(ImageRecord &image, ImageRecord &reference, const Channels &channels,
+                  const kernels::Sharpening &sharpening) {
+    const kernels::SharpeningSteps steps(sharpening);
+    PackedRows rows(image, channels, image.Width, false);
+    PackedRows references(reference, channels, image.Width, false);
+    if (!rows || !references) return false;
     for (int32_t y = 0; y < image.Height; ++y) {
-        const uint8_t *row = reference.row_accessor(reference, y);
-        uint8_t *target = image.row_accessor(image, y);
-        if (row == nullptr || target == nullptr) return;
-        for (Channel channel : channels)
-            kernels::look_up_pairs(target + offset_of(image, channel), static_cast<size_t>(image.PixelSize),
-                                   row + offset_of(reference, channel), static_cast<size_t>(reference.PixelSize), table,
-                                   static_cast<size_t>(image.Width));
+        const uint8_t *row = references.read(y);
+        uint8_t *target = rows.read(y) == nullptr ? nullptr : rows.place(y);
+        if (row == nullptr || target == nullptr) break;
+        kernels::sharpen(target, row, steps, rows.bytes());
+        if (!rows.finish(y)) break;
     }
+    return true;
 }
 
 bool alike(const ImageRecord &a, const ImageRecord &b) {
@@ -65,14 +57,12 @@ Boolean unsharp_filter(ImageObject object, ImageObject origpixels, double amount
     if (!alike(image, reference) || !usable(image) || !paced_image.pace()) return 0;
     if (!usable(reference) || !paced_reference.pace() || !paced_image.unchanged()) return 0;
 
-    Buffer<uint8_t> table(256 * 256);
-    if (!table) return 0;
-    fill_table(table.get(), amount, threshold);
+    const kernels::Sharpening sharpening = {amount * 4.0 + 1.0, threshold};
     const Channels channels = channels_of(image);
+    if (channels.size() == 0 || image.Width <= 0) return 1;
     if (rows_may_run(reference, image, channels, image.Width, image.Height))
-        sharpen(image, reference, channels, table.get());
-    else
-        sharpen_plainly(image, reference, channels, table.get());
+        return sharpen_rows(image, reference, in_byte_order(channels, image), sharpening);
+    sharpen_plainly(image, reference, channels, sharpening);
     return 1;
 }
 

@@ -1,6 +1,7 @@
 #include "geometry/fill.h"
 
 #include "geometry/rectangle.h"
+#include "image/mapped_store.h"
 #include "image/paced_image.h"
 #include "image/storage.h"
 #include "kernels/lanes.h"
@@ -67,7 +68,7 @@ void change_rectangle(ImageRecord &image, const Rectangle &area, const Changes &
     const int64_t first = static_cast<int64_t>(area.columns.start) * image.PixelSize + *low;
     const size_t count = static_cast<size_t>(area.columns.length - 1) * step + static_cast<size_t>(*high - *low) + 1;
     for_each_row(image, area.rows, [&](int32_t y) {
-        uint8_t *row = image.row_accessor(image, y);
+        uint8_t *row = walked_row(image, y);
         if (row == nullptr) return false;
         kernels::change_lanes(row + first, count, keep, flip);
         return true;

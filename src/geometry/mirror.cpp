@@ -1,7 +1,7 @@
 #include "geometry/mirror.h"
 
 #include "geometry/pieces.h"
-#include "geometry/row_band.h"
+#include "image/mapped_store.h"
 #include "image/paced_image.h"
 #include "image/row_window.h"
 #include "kernels/moves.h"
@@ -62,10 +62,10 @@ void exchange_halves(ImageObject object, Pixels pixels) {
     ImageRecord &below = window.image();
     for (int32_t y = 0; y < image.Height / 2; ++y) {
         const int32_t opposite = image.Height - 1 - y;
-        uint8_t *upper_row = image.row_accessor(image, y);
+        uint8_t *upper_row = walked_row(image, y);
         if (upper_row == nullptr) return;
         upper.take(upper_row);
-        uint8_t *lower_row = row_upwards(below, opposite);
+        uint8_t *lower_row = walked_row(below, opposite);
         if (lower_row == nullptr) return;
         lower.take(lower_row);
         lower.give(upper_row, pixels);
@@ -84,7 +84,7 @@ void h_mirror(ImageObject object) {
     if (pieces.count == 0 || image.Width < 2) return;
     const int64_t last_pixel = (int64_t{image.Width} - 1) * image.PixelSize;
     for (int32_t y = 0; y < image.Height; ++y) {
-        uint8_t *row = image.row_accessor(image, y);
+        uint8_t *row = walked_row(image, y);
         if (row == nullptr) return;
         for (size_t i = 0; i < pieces.count; ++i) {
             uint8_t *first = row + pieces.from[i];

@@ -138,8 +138,8 @@ void half_turn_by_rows(ImageRecord &source, ImageRecord &destination, const Chan
     const Pieces pieces = pieces_of(source, destination, channels);
     const int64_t last_pixel = (int64_t{source.Width} - 1) * source.PixelSize;
     for (int32_t y = 0; y < source.Height; ++y) {
-        const uint8_t *from = source.row_accessor(source, y);
-        uint8_t *to = row_upwards(destination, source.Height - 1 - y);
+        const uint8_t *from = walked_row(source, y);
+        uint8_t *to = walked_row(destination, source.Height - 1 - y);
         if (from == nullptr || to == nullptr) return;
         for (size_t i = 0; i < pieces.count; ++i)
             kernels::move_runs(to + pieces.to[i], destination.PixelSize, from + last_pixel + pieces.from[i],

@@ -1,10 +1,14 @@
 #include "geometry/rotate.h"
 
+#include "geometry/pieces.h"
 #include "geometry/quarter_turn.h"
+#include "geometry/shear_bands.h"
 #include "geometry/sine.h"
 #include "geometry/skew.h"
 #include "image/factory.h"
+#include "image/lifecycle.h"
 #include "image/paced_image.h"
+#include "image/packed_rows.h"
 #include "platform/buffer.h"
 
 #include <cmath>
@@ -50,12 +54,19 @@ public:
 
 private:
     ImageReference image_like(ImageRecord &source, double width, double height) const;
+    ImageReference shear_at_once() const;
+    // How far the lines are shifted in images of these sizes: the first and second image's width, the result's height.
+    Buffer<Shift> first_shifts() const;
+    Buffer<Shift> second_shifts(int32_t columns, int32_t width) const;
+    Buffer<Shift> third_shifts(int32_t height) const;
     ImageReference first_shear() const;
     ImageReference second_shear(ImageRecord &source) const;
     ImageReference third_shear(ImageRecord &source) const;
     Skew skew(ImageRecord &source, ImageRecord &destination) const {
         return {source, destination, channels_, background_};
     }
+    double first_width() const { return width_ + std::trunc(height_ * std::fabs(tangent_)); }
+    double result_width() const { return std::trunc(height_ * std::fabs(sine_) + width_ * cosine_) + 1; }
     double sheared_height() const { return std::trunc(width_ * std::fabs(sine_) + height_ * cosine_) + 1; }
 
     ImageRecord &image_;
@@ -96,11 +107,25 @@ ImageReference ThreeShears::image_like(ImageRecord &source, double width, double
     return image;
 }
 
+Buffer<Shift> ThreeShears::first_shifts() const {
+    return shifts_of(image_.Height,
+                     [&](int32_t row) { return (tangent_ >= 0 ? row + 0.5 : row - height_ + 0.5) * tangent_; });
+}
+
+Buffer<Shift> ThreeShears::second_shifts(int32_t columns, int32_t width) const {
+    return growing_shifts(columns, sine_ > 0 ? sine_ * (width_ - 1) : -sine_ * (width_ - width), -sine_);
+}
+
+Buffer<Shift> ThreeShears::third_shifts(int32_t height) const {
+    const double start =
+        sine_ >= 0 ? -(width_ - 1) * sine_ * tangent_ : ((1 - double(height)) - (width_ - 1) * sine_) * tangent_;
+    return growing_shifts(height, start, tangent_);
+}
+
 ImageReference ThreeShears::first_shear() const {
-    auto result = image_like(image_, width_ + std::trunc(height_ * std::fabs(tangent_)), height_);
+    auto result = image_like(image_, first_width(), height_);
     if (!result) return {};
-    const auto shifts = shifts_of(
-        image_.Height, [&](int32_t row) { return (tangent_ >= 0 ? row + 0.5 : row - height_ + 0.5) * tangent_; });
+    const auto shifts = first_shifts();
     if (!shifts) return {};
     skew_rows(skew(image_, *record_of(result.get())), shifts.get(), image_.Height);
     return result;
@@ -110,26 +135,48 @@ ImageReference ThreeShears::second_shear(ImageRecord &source) const {
     auto result = image_like(source, source.Width, sheared_height());
     if (!result) return {};
     ImageRecord &destination = *record_of(result.get());
-    const double start = sine_ > 0 ? sine_ * (width_ - 1) : -sine_ * (width_ - destination.Width);
-    const auto shifts = growing_shifts(source.Width, start, -sine_);
+    const auto shifts = second_shifts(source.Width, destination.Width);
     if (!shifts) return {};
     skew_columns(skew(source, destination), shifts.get());
     return result;
 }
 
 ImageReference ThreeShears::third_shear(ImageRecord &source) const {
-    auto result = image_like(source, std::trunc(height_ * std::fabs(sine_) + width_ * cosine_) + 1, sheared_height());
+    auto result = image_like(source, result_width(), sheared_height());
     if (!result) return {};
     ImageRecord &destination = *record_of(result.get());
-    const double start = sine_ >= 0 ? -(width_ - 1) * sine_ * tangent_
-                                    : ((1 - double(destination.Height)) - (width_ - 1) * sine_) * tangent_;
-    const auto shifts = growing_shifts(destination.Height, start, tangent_);
+    const auto shifts = third_shifts(destination.Height);
     if (!shifts) return {};
     skew_rows(skew(source, destination), shifts.get(), destination.Height);
     return result;
 }
 
+// The same without images between, where user code could not meet them, but only where they could be had.
+ImageReference ThreeShears::shear_at_once() const {
+    const bool reachable = image_.Width > 0 && image_.Height > 0 && rows_lie_apart(image_, channels_, image_.Width);
+    if (may_ask_program(&image_) || !reachable) return {};
+    const auto can_be_had = [&](double width, double height) {
+        return width <= INT32_MAX && height <= INT32_MAX &&
+               fits_in_memory(static_cast<int32_t>(width), static_cast<int32_t>(height), image_.PixelSize);
+    };
+    if (!can_be_had(first_width(), height_) || !can_be_had(first_width(), sheared_height())) return {};
+    auto result = image_like(image_, result_width(), sheared_height());
+    if (!result) return {};
+    ImageRecord &destination = *record_of(result.get());
+    if (!any_order_serves(image_, destination, channels_, destination.Width, destination.Height)) return {};
+    const auto columns = static_cast<int32_t>(first_width());
+    const auto first = first_shifts(), second = second_shifts(columns, columns),
+               third = third_shifts(destination.Height);
+    if (!first || !second || !third) return {};
+    ShearBands bands(packed_order(skew(image_, destination)),
+                     {columns, destination.Height, first.get(), second.get(), third.get()});
+    if (!bands) return {};
+    bands.run();
+    return result;
+}
+
 ImageReference ThreeShears::run() {
+    if (auto result = shear_at_once()) return result;
     auto first = first_shear();
     if (!first) return {};
     auto second = second_shear(*record_of(first.get()));

@@ -45,16 +45,6 @@ void skew_line_plainly(const Skew &skew, Along along, int32_t line, Shift shift)
         put(end, c, kernels::blend_with_background(skew.background[c], shift.fraction, received[c]));
 }
 
-// The same skew with the channels in the order in which rows are best packed.
-Skew packed_order(const Skew &skew) {
-    Skew packed = {skew.source, skew.destination, in_byte_order(skew.channels, skew.source), {}};
-    for (size_t i = 0; i < packed.channels.size(); ++i) {
-        const auto *place = std::find(skew.channels.begin(), skew.channels.end(), packed.channels[i]);
-        packed.background[i] = skew.background[static_cast<size_t>(place - skew.channels.begin())];
-    }
-    return packed;
-}
-
 // Skews row by row, all pixels of a row at once.
 class RowSkewer {
 public:
@@ -122,6 +112,15 @@ bool lines_may_run(const Skew &skew, int32_t width, int32_t height) {
 Shift shift_of(double distance) {
     const double pixels = std::floor(distance);
     return {static_cast<int64_t>(pixels), distance - pixels};
+}
+
+Skew packed_order(const Skew &skew) {
+    Skew packed = {skew.source, skew.destination, in_byte_order(skew.channels, skew.source), {}};
+    for (size_t i = 0; i < packed.channels.size(); ++i) {
+        const auto *place = std::find(skew.channels.begin(), skew.channels.end(), packed.channels[i]);
+        packed.background[i] = skew.background[static_cast<size_t>(place - skew.channels.begin())];
+    }
+    return packed;
 }
 
 void skew_rows(const Skew &skew, const Shift *shifts, int32_t rows) {

@@ -23,6 +23,9 @@ struct Skew {
     Background background;
 };
 
+// The same skew with the channels in the order in which rows are best packed.
+Skew packed_order(const Skew &skew);
+
 // Fills each of the first `rows` rows of the destination with the background and writes the source's row to it,
 // shifted to the right by its own shift. What falls beside the row is left out; the pixel that follows the last one
 // takes that one's fraction, blended with the background. Right for images of any size that share storage in any way:

@@ -1,9 +1,10 @@
 #include "image/lifecycle.h"
 
 #include "host/reference.h"
-#include "platform/buffer.h"
 #include "image/format.h"
 #include "image/mapped_store.h"
+#include "platform/buffer.h"
+#include "platform/large_pages.h"
 
 namespace kzb {
 
@@ -12,7 +13,9 @@ namespace {
 constexpr int64_t row_alignment = 64;
 
 // Drops the reference that a record's field holds.
-template <class T> void drop(T &field) { Reference<T>::adopt(std::exchange(field, nullptr)); }
+template <class T> void drop(T &field) {
+    Reference<T>::adopt(std::exchange(field, nullptr));
+}
 
 // Drops a view's parent. The parent may go with it and drop its own, and so on: however long the chain, one at a time.
 void drop_parent(ImageObject &field) {
@@ -33,7 +36,16 @@ void drop_parent(ImageObject &field) {
     dropping = false;
 }
 
+int64_t row_size_of(int32_t width, int32_t pixel_size) {
+    return (static_cast<int64_t>(width) * pixel_size + row_alignment - 1) / row_alignment * row_alignment;
+}
+
 } // namespace
+
+bool fits_in_memory(int32_t width, int32_t height, int32_t pixel_size) {
+    const int64_t row_size = row_size_of(width, pixel_size);
+    return row_size <= INT32_MAX && row_size * height <= INT32_MAX;
+}
 
 uint8_t *memory_row(ImageRecord &image, int32_t row) {
     return image.pixel_buffer + (static_cast<int64_t>(image.RowOffset) + row) * image.RowSize;
@@ -57,11 +69,11 @@ void construct_in_memory(ImageObject object, int32_t width, int32_t height, int3
     begin_construction(image);
     if (!fill_format_descriptor(&image, width, height, image_format)) return;
     if (width < 0 || height < 0) return;
-    const int64_t row_size =
-        (static_cast<int64_t>(width) * image.PixelSize + row_alignment - 1) / row_alignment * row_alignment;
-    if (row_size > INT32_MAX || row_size * height > INT32_MAX) return;
+    if (!fits_in_memory(width, height, image.PixelSize)) return;
+    const int64_t row_size = row_size_of(width, image.PixelSize);
     Buffer<uint8_t> pixels(row_size * height);
     if (!pixels) return;
+    prefer_large_pages(pixels.get(), row_size * height);
     image.pixel_buffer = pixels.release();
     image.owns_buffer = 1;
     image.TotalSize = row_size * height;
@@ -111,7 +123,9 @@ void close_record(ImageRecord &image) {
     std::free(std::exchange(image.backing_file_path, nullptr));
 }
 
-void close_image(ImageObject object) { close_record(*record_of(object)); }
+void close_image(ImageObject object) {
+    close_record(*record_of(object));
+}
 
 MemoryBlock image_memory(ImageObject object, word) {
     const ImageRecord &image = *record_of(object);

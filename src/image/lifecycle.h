@@ -10,6 +10,9 @@ namespace kzb {
 // Refused: unknown layouts, negative sizes, more than 2^31 - 1 bytes.
 void construct_in_memory(ImageObject image, int32_t width, int32_t height, int32_t image_format);
 
+// Whether an image of this size, which is not negative, could be constructed so, given the memory.
+bool fits_in_memory(int32_t width, int32_t height, int32_t pixel_size);
+
 // Constructor(Buf, width, height, ImageFormat, RowSize): over the bytes of a memory block, which the image holds. The
 // caller answers for the row size and for the block's size. Refused: a nil block, unknown layouts, negative sizes, 2^32
 // bytes and more.

@@ -21,6 +21,10 @@ void set_mapping_block_size(ImageObject image, word, int32_t block_size);
 // row outside the file and when the block cannot be mapped, the pixel buffer then being nil.
 uint8_t *mapped_row(ImageRecord &image, int32_t row);
 
+// The address of a row, as the row accessor gives it, for operations that go through the rows in either direction. In a
+// file-backed image it maps block after block, no rows twice; the last one may reach beyond the file's end.
+uint8_t *walked_row(ImageRecord &image, int32_t row);
+
 // Unmaps the mapped block, if any.
 void unmap_block(ImageRecord &image);
 

@@ -1,5 +1,6 @@
 #include "image/packed_rows.h"
 
+#include "image/mapped_store.h"
 #include "image/storage.h"
 #include "kernels/convert.h"
 
@@ -47,7 +48,7 @@ const uint8_t *PackedRows::read(int32_t y) {
         }
         return packed_.get();
     }
-    const uint8_t *row = image_.row_accessor(image_, y);
+    const uint8_t *row = walked_row(image_, y);
     if (row == nullptr) return nullptr;
     if (way_ == Way::dense) return row + offsets_[0];
     for (size_t i = 0; i < channels_; ++i)
@@ -63,7 +64,7 @@ bool PackedRows::write(int32_t y, const uint8_t *packed) {
         }
         return true;
     }
-    uint8_t *row = image_.row_accessor(image_, y);
+    uint8_t *row = walked_row(image_, y);
     if (row == nullptr) return false;
     if (way_ == Way::dense) {
         std::memcpy(row + offsets_[0], packed, bytes());
@@ -72,6 +73,12 @@ bool PackedRows::write(int32_t y, const uint8_t *packed) {
     for (size_t i = 0; i < channels_; ++i)
         kernels::copy_channel(row + offsets_[i], pixel_size(), packed + i, channels_, 0, pixels());
     return true;
+}
+
+uint8_t *PackedRows::place(int32_t y) {
+    if (way_ != Way::dense) return packed_.get();
+    uint8_t *row = image_.row_accessor(image_, y);
+    return row == nullptr ? nullptr : row + offsets_[0];
 }
 
 void RowCopy::take(int32_t y) {

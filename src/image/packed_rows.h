@@ -6,8 +6,8 @@
 
 namespace kzb {
 
-// The channels in the order of their bytes: rows of dense layouts are then packed as they are. Channels on the same byte
-// stay in the list's order.
+// The channels in the order of their bytes: rows of dense layouts are then packed as they are. Channels on the same
+// byte stay in the list's order.
 Channels in_byte_order(const Channels &channels, const ImageRecord &image);
 
 // Whether the listed channels of each row's `width` pixels end before the next row starts; the caller of the
@@ -33,6 +33,11 @@ public:
 
     // Writes a packed row; false when the row cannot be reached.
     bool write(int32_t y, const uint8_t *packed);
+
+    // Where a packed row may be made instead of being written: in the image itself if its rows are packed. Nil when the
+    // row cannot be reached; void at the next call for this image. `finish` writes what was made elsewhere.
+    uint8_t *place(int32_t y);
+    bool finish(int32_t y) { return way_ == Way::dense || write(y, packed_.get()); }
 
 private:
     enum class Way : uint8_t { dense, stepped, plain };

@@ -1,4 +1,5 @@
 #include "image/row_pairs.h"
+#include "image/mapped_store.h"
 
 namespace kzb {
 
@@ -9,10 +10,10 @@ RowPairs::RowPairs(ImageRecord &image, ImageRecord &source) : image_(image), sou
 }
 
 bool RowPairs::fetch(int32_t to, int32_t from) {
-    target = image_.row_accessor(image_, to);
+    target = walked_row(image_, to);
     // Two windows on one row would hide from the row functions that its bytes are the same.
     const bool same_row = same_file_ && int64_t{image_.RowOffset} + to == int64_t{source_->RowOffset} + from;
-    row = same_row ? target : source_->row_accessor(*source_, from);
+    row = same_row ? target : walked_row(*source_, from);
     return target != nullptr && row != nullptr;
 }
 

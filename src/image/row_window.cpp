@@ -8,8 +8,8 @@ namespace kzb {
 
 namespace {
 
-// Small, as several windows share the address space with the image's own block.
-constexpr int32_t window_bytes = 4 << 20;
+// As large as the image's own block; small where several of them share an address space of 32 bits.
+constexpr int32_t window_bytes = sizeof(void *) > 4 ? INT32_MAX : 4 << 20;
 constexpr int32_t fewest_window_rows = 5;
 
 } // namespace
@@ -17,8 +17,10 @@ constexpr int32_t fewest_window_rows = 5;
 RowWindow::RowWindow(ImageRecord &image) : image_(image), window_(image) {
     if (!image.IsMapping) return;
     open_window(window_, image);
-    window_.rows_per_block = std::min(image.rows_per_block, std::max(window_bytes / image.RowSize, fewest_window_rows));
-    window_.MappingBlockSize = window_.rows_per_block * image.RowSize;
+    const int32_t rows = std::max(window_bytes / image.RowSize, fewest_window_rows);
+    if (rows >= image.rows_per_block) return;
+    window_.rows_per_block = rows;
+    window_.MappingBlockSize = rows * image.RowSize;
 }
 
 RowWindow::~RowWindow() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "image/channels.h"
+#include "image/mapped_store.h"
 
 #include <algorithm>
 
@@ -45,8 +46,12 @@ template <class Fill> void for_each_run(ImageRecord &image, int64_t row, int64_t
     for (int64_t at = std::max<int64_t>(start, 0); at < end;) {
         const int64_t row_end = (at / image.RowSize + 1) * image.RowSize;
         const int64_t run_end = image.IsMapping ? std::min(end, row_end) : end;
-        uint8_t *address = byte_at(image, 0, at - static_cast<int64_t>(image.RowOffset) * image.RowSize);
-        if (address == nullptr) return;
+        uint8_t *address = image.pixel_buffer + at;
+        if (image.IsMapping) {
+            uint8_t *storage_row = walked_row(image, static_cast<int32_t>(at / image.RowSize) - image.RowOffset);
+            if (storage_row == nullptr) return;
+            address = storage_row + at % image.RowSize;
+        }
         fill(address, static_cast<size_t>(run_end - at));
         at = run_end;
     }

@@ -2,6 +2,7 @@
 
 #include "geometry/rectangle.h"
 #include "image/channels.h"
+#include "image/mapped_store.h"
 #include "image/paced_image.h"
 #include "interop/picture_reader.h"
 #include "kernels/convert.h"
@@ -42,7 +43,7 @@ bool draw_rows(PacedImage &paced, ImageRecord &image, const PictureReader &reade
                                             false,
                                             0};
     for (int32_t i = 0; i < rows.length; ++i) {
-        uint8_t *row = image.row_accessor(image, rows.to + i);
+        uint8_t *row = walked_row(image, rows.to + i);
         if (row == nullptr) return false;
         kernels::convert(row + static_cast<int64_t>(columns.to) * image.PixelSize,
                          reader.row(rows.from + i) + exchange_pixel_size * static_cast<size_t>(columns.from),

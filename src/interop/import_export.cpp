@@ -4,6 +4,7 @@
 #include "image/channels.h"
 #include "image/format.h"
 #include "image/lifecycle.h"
+#include "image/mapped_store.h"
 #include "image/paced_image.h"
 #include "interop/picture_builder.h"
 #include "interop/picture_reader.h"
@@ -27,7 +28,7 @@ Reference<Picture> picture_of(ImageRecord &image, int32_t x, int32_t y, int32_t 
     if (!paced.pace() || !builder.open(columns.length, rows.length) || !paced.pace()) return {};
     const ChannelOffsets offsets = offsets_of(image, as_colours);
     for (int32_t r = 0; r < rows.length; ++r) {
-        const uint8_t *pixel = image.row_accessor(image, rows.start + r);
+        const uint8_t *pixel = walked_row(image, rows.start + r);
         if (pixel == nullptr) return {};
         pixel += static_cast<int64_t>(columns.start) * image.PixelSize;
         uint8_t *target = builder.row(r);

@@ -1,7 +1,7 @@
 #include "kernels/neon.h"
 
 #include <algorithm>
-#include <array>
+#include <cmath>
 
 namespace kzb::kernels {
 
@@ -10,26 +10,19 @@ namespace {
 // The first sum of squares with 2 * sqrt(sum) of 255 or more, and all beyond.
 constexpr int32_t brightest = (255 * 255 + 3) / 4;
 
-// 2 * sqrt(sum), truncated: the largest v with v² <= 4 sum.
-constexpr std::array<uint8_t, brightest + 1> magnitudes = [] {
-    std::array<uint8_t, brightest + 1> table = {};
-    int32_t v = 0;
-    for (int32_t sum = 0; sum <= brightest; ++sum) {
-        while ((v + 1) * (v + 1) <= 4 * sum) ++v;
-        table[static_cast<size_t>(sum)] = static_cast<uint8_t>(v);
-    }
-    return table;
-}();
-static_assert(magnitudes[brightest] == 255 && magnitudes[brightest - 1] == 254);
-
-} // namespace
-
-void neon(uint8_t *target, const uint8_t *row, const uint8_t *below, size_t step, size_t count) {
+// Exact in single precision: a root of a whole number up to 255² that is not whole lies at least 1 / 510 below the next
+// whole number.
+void neon_plainly(uint8_t *__restrict target, const uint8_t *row, const uint8_t *below, size_t step, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const int32_t across = row[i] - row[i + step];
         const int32_t down = row[i] - below[i];
-        target[i] = magnitudes[static_cast<size_t>(std::min(across * across + down * down, brightest))];
+        const int32_t sum = std::min(across * across + down * down, brightest);
+        target[i] = static_cast<uint8_t>(static_cast<int32_t>(std::sqrt(static_cast<float>(4 * sum))));
     }
 }
+
+} // namespace
+
+decltype(neon) neon = compiled<neon_plainly>();
 
 } // namespace kzb::kernels

@@ -1,6 +1,8 @@
 // A value drawn toward its two neighbours.
 #pragma once
 
+#include "kernels/row_function.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -17,7 +19,8 @@ struct ThreeTaps {
 };
 
 // result[i] = taps(centre[i], before[i], after[i]). The rows may overlap, the result overlaps none of them.
-void three_taps(uint8_t *result, const uint8_t *centre, const uint8_t *before, const uint8_t *after,
-                const ThreeTaps &taps, size_t count);
+extern const RowFunction<void(uint8_t *result, const uint8_t *centre, const uint8_t *before, const uint8_t *after,
+                              const ThreeTaps &taps, size_t count)>
+    three_taps;
 
 } // namespace kzb::kernels

@@ -3,6 +3,7 @@
 #include "host/bridges.h"
 #include "host/reference.h"
 #include "image/format.h"
+#include "image/mapped_store.h"
 #include "image/pixel_conversion.h"
 #include "platform/buffer.h"
 #include "rows/row_access.h"
@@ -31,7 +32,9 @@ std::optional<ImageRecord> packed_layout(const ImageRecord &image, int32_t image
     return layout;
 }
 
-int64_t packed_row_size(const ImageRecord &layout) { return static_cast<int64_t>(layout.Width) * layout.PixelSize; }
+int64_t packed_row_size(const ImageRecord &layout) {
+    return static_cast<int64_t>(layout.Width) * layout.PixelSize;
+}
 
 // The bytes of a row that user code assigns to, with the checks of the setters in their order.
 uint8_t *assigned_row(ImageRecord &image, int32_t index, bool nil) {
@@ -120,7 +123,7 @@ String data_string_in_format(ImageObject object, int32_t image_format) {
     Buffer<uint8_t> bytes(row_size * image.Height);
     if (!bytes) return nullptr;
     for (int32_t y = 0; y < image.Height; ++y) {
-        const uint8_t *row = image.row_accessor(image, y);
+        const uint8_t *row = walked_row(image, y);
         if (row == nullptr || !convert_row(bytes.get() + y * row_size, *layout, row, image, 0, image.Width))
             return nullptr;
     }
@@ -135,7 +138,7 @@ void set_data_string_in_format(ImageObject object, int32_t image_format, String 
     if (!layout) return;
     const auto *bytes = reinterpret_cast<const uint8_t *>(string->text);
     for (int32_t y = 0; y < image.Height; ++y) {
-        uint8_t *row = image.row_accessor(image, y);
+        uint8_t *row = walked_row(image, y);
         if (row == nullptr || !convert_row(row, image, bytes + y * packed_row_size(*layout), *layout, 0, image.Width))
             return;
     }

@@ -18,8 +18,11 @@ choices() {
             compopt() { :; }
             line=$1
             # As bash splits words at the characters of COMP_WORDBREAKS.
-            read -ra COMP_WORDS <<<"${line//=/ = }"
-            [[ $line == *" " ]] && COMP_WORDS+=("")
+            line=${line//=/ = }
+            read -ra COMP_WORDS <<<"${line//@/ @ }"
+            COMP_LINE=$1
+            COMP_POINT=${#COMP_LINE}
+            [[ $1 == *" " ]] && COMP_WORDS+=("")
             COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
             _kzb
             ((${#COMPREPLY[@]})) && printf "%s\n" "${COMPREPLY[@]}"
@@ -92,6 +95,13 @@ offers 'kzb photo.jpg : Invert --ou' --output
 offers 'kzb photo.jpg --max' --max-pixels
 offers 'kzb he' help
 exactly 'kzb help Solar' SolarizeFilter
+# What was kept under a name.
+offers 'kzb photo.jpg : =sharp : BoxBlurFilter 2 : =soft : @sharp : UnsharpFilter ' @sharp @soft Amount=
+if [[ $shell == bash ]]; then
+    exactly 'kzb photo.jpg : =sharp : BoxBlurFilter 2 : =soft : @sh' sharp
+else
+    exactly 'kzb photo.jpg : =sharp : BoxBlurFilter 2 : =soft : @sh' @sharp
+fi
 exactly 'kzb completion f' fish
 exactly 'kzb photo.jpg : rawr' RawRow
 # Constants belong to their methods.

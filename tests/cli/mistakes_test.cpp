@@ -45,6 +45,7 @@ TEST_F(Mistakes, InTheFrameOfTheLine) {
         {{"plain.png", ":Invert", "-o", "out.png"}, {"':Invert'", "':' that stands alone"}},
         {{"plain.png", ":", "-o", "out.png"}, {"step 1 is empty"}},
         {{"plain.png", ":", "Invert", ":", ":", "Invert", "-o", "out.png"}, {"step 2 is empty"}},
+        {{"lst"}, {"neither a command nor a file lst", "did you mean list?"}},
         {{"list", "quantum"}, {"'quantum'", "'kzb list' shows all"}},
         {{"list", "tone", "size"}, {"'kzb list --help'"}},
         {{"help", "Invert", "Row"}, {"'kzb help --help'"}},

@@ -54,8 +54,10 @@ TEST_F(TurnsShortOfMemory, HMirrorNeedsNone) {
     EXPECT_EQ(requests, 0);
 }
 
-TEST_F(TurnsShortOfMemory, ARotationWithoutMemoryForAnImageOrItsShiftsGivesNilAndForRowsTheSameBytes) {
+TEST_F(TurnsShortOfMemory, ARotationImageByImageWithoutMemoryForOneOrItsShiftsGivesNilAndForRowsTheSameBytes) {
     const Image image = *make_image(Storage::memory, 40, 30, 3, 1);
+    // A factory that supplies nothing: it might.
+    image.set("Factory", Object::make("PictureFactoryKZB"));
     const Bytes expected = storage_of(Image(call(0, image, "Rotate", 20.0, 1, 2, 3, 4, 5)));
     const int all = requests;
     std::set<int> nil;
@@ -69,6 +71,21 @@ TEST_F(TurnsShortOfMemory, ARotationWithoutMemoryForAnImageOrItsShiftsGivesNilAn
     // Each image, then its shifts, before what the shear works with: four rows, a strip, four rows.
     EXPECT_EQ(nil, (std::set<int>{1, 2, 7, 8, 10, 11}));
     EXPECT_EQ(all, 15);
+    image.set("Factory", nullptr);
+}
+
+TEST_F(TurnsShortOfMemory, ARotationWithoutMemoryToBeMadeAtOnceIsMadeImageByImage) {
+    for (int32_t format : {1, 2, 3}) {
+        const Image image = *make_image(Storage::memory, 40, 30, format, 1);
+        const Bytes expected = storage_of(Image(call(0, image, "Rotate", 20.0, 1, 2, 3, 4, 5)));
+        const int all = requests;
+        EXPECT_GT(all, 10);
+        for (int request = 1; request <= all; ++request) {
+            const Image result(call(request, image, "Rotate", 20.0, 1, 2, 3, 4, 5));
+            ASSERT_TRUE(result) << request;
+            EXPECT_EQ(storage_of(result), expected) << request;
+        }
+    }
 }
 
 } // namespace

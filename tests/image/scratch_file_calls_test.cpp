@@ -118,6 +118,29 @@ TEST_F(ScratchFileCalls, AWalkFromRowToRowMapsEachBlockOnce) {
     }
 }
 
+TEST_F(ScratchFileCalls, AWalkInEitherDirectionMapsAtMostOneBlockMoreThanTheImageHas) {
+    // Rows of 1, 3, 4 and 9 pages: whole large pages hold 512, 512, 128 and 512 of them, a block 4096, 1365, 1024 and
+    // 455.
+    for (const auto &[row_bytes, rows] : {std::pair(4000, 8200), {12'000, 3000}, {16'000, 3000}, {36'000, 1400}}) {
+        const int32_t width = row_bytes / 4, height = rows;
+        const Image image = in_file(scratch_path(), width, height, 2),
+                    other = in_file(scratch_path(), width, height, 2);
+        const Image memory = *make_image(Storage::memory, width, height, 2, 5);
+        const int64_t rows_per_block = image.integer("MappingBlockSize") / image.integer("RowSize");
+        const auto most = static_cast<int>((height + rows_per_block - 1) / rows_per_block + 1);
+        SCOPED_TRACE(image.integer("RowSize"));
+        EXPECT_LE(mappings_of([&] { image.call("CopyPixels", memory); }), most);
+        EXPECT_LE(mappings_of([&] { image.call("Invert"); }), most);
+        EXPECT_LE(mappings_of([&] { image.call("ClearRect", 3, 5, width, height - 9); }), most);
+        EXPECT_LE(mappings_of([&] { image.call("GammaFilter", memory, 2.0); }), most);
+        EXPECT_LE(mappings_of([&] { memory.call("Rotate180", image); }), most) << "upwards";
+        EXPECT_LE(mappings_of([&] { image.call("VMirror"); }), most) << "from both ends to the middle";
+        const Image view(image.call("ClipImage", 1, 77, width - 2, height - 100));
+        EXPECT_LE(mappings_of([&] { view.call("Invert"); }), most + 1);
+        EXPECT_LE(mappings_of([&] { view.call("Rotate180", other); }), 2 * most);
+    }
+}
+
 TEST_F(ScratchFileCalls, ACopyBetweenFarRowsOfOneFileDoesNotMapForEachRow) {
     const Image image = in_file(scratch_path(), 1000, 12'000, 2);
     EXPECT_LE(mappings_of([&] { image.call("CopyPixels", image, 0, 0, 1000, 6000, 0, 6000); }), 12);
