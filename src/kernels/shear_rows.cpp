@@ -1,12 +1,9 @@
 #include "kernels/shear_rows.h"
 
+#include "kernels/avx512.h"
 #include "kernels/shear.h"
 
 #include <cstring>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <immintrin.h>
-#endif
 
 namespace kzb::kernels {
 
