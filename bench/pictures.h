@@ -9,7 +9,8 @@ namespace kzb::bench {
 // The bytes of an image in memory; good as long as the image is.
 Raster raster_of(const test::Image &image);
 
-// Fills with shapes, gradients and some noise, the same everywhere for the same seed; padding stays as it is.
+// Fills with shapes, gradients and some noise, the same everywhere for the same seed; padding stays as it is. Pictures
+// that were painted lately are kept and copied.
 void paint(const Raster &raster, uint32_t seed);
 
 // A painted image in memory.

@@ -1,42 +1,8 @@
 #include "print.h"
 
-#include <cstdio>
-#include <utility>
-
 namespace kzb::bench {
 
 namespace {
-
-constexpr std::pair<const char *, int> columns[] = {
-    {"operation", -30}, {"layout", -6},     {"size", -9},     {"ns/px", 8}, {"min", 8},
-    {"nil", 8},         {"best peer", -34}, {"its ns/px", 9}, {"ratio", 6}, {"goal", 5},
-    {"reached", -7},    {"of copy", 7},     {"memset", 7},    {"held", -6}, {"other peers", -1},
-};
-
-std::string padded(const std::string &text, int width) {
-    const size_t wanted = static_cast<size_t>(width < 0 ? -width : width);
-    if (text.size() >= wanted) return text;
-    const std::string space(wanted - text.size(), ' ');
-    return width < 0 ? text + space : space + text;
-}
-
-std::string number(double value, int digits = 3) {
-    char text[40];
-    std::snprintf(text, sizeof text, "%.*f", value >= 100 ? 1 : value >= 10 ? 2 : digits, value);
-    return text;
-}
-
-std::string line(const std::vector<std::string> &cells, Style style) {
-    std::string text = style == Style::markdown ? "|" : "";
-    for (size_t i = 0; i < cells.size(); ++i) {
-        if (style == Style::markdown)
-            text += " " + cells[i] + " |";
-        else
-            text += (i == 0 ? "" : "  ") + padded(cells[i], columns[i].second);
-    }
-    while (text.ends_with(' ')) text.pop_back();
-    return text;
-}
 
 std::string title_of(const PeerTime &peer) {
     return peer.peer + " " + peer.operation;
@@ -64,22 +30,32 @@ std::string goal(const Row &row) {
 
 } // namespace
 
-std::string heading(Style style) {
-    std::vector<std::string> cells;
-    for (const auto &[name, width] : columns) cells.push_back(name);
-    std::string text = line(cells, style);
-    if (style == Style::markdown) {
-        text += "\n|";
-        for (const auto &[name, width] : columns) text += width < 0 ? "---|" : "---:|";
-    }
-    return text;
+Table row_table(Style style) {
+    return {{
+                {"operation", -30},
+                {"layout", -6},
+                {"size", -9},
+                {"ns/px", 8},
+                {"min", 8},
+                {"nil", 8},
+                {"best peer", -34},
+                {"its ns/px", 9},
+                {"ratio", 6},
+                {"goal", 5},
+                {"reached", -7},
+                {"of copy", 7},
+                {"memset", 7},
+                {"held", -6},
+                {"other peers", -1},
+            },
+            style};
 }
 
-std::string line_of(const Row &row, Style style) {
+std::string line_of(const Row &row, const Table &table) {
     std::vector<std::string> cells = {row.operation, row.layout, row.size};
     if (row.wrong()) {
         cells.push_back(row.held);
-        return line(cells, style);
+        return table.line(cells);
     }
     const PeerTime *best = row.best_peer();
     const auto ratio = row.ratio();
@@ -92,7 +68,7 @@ std::string line_of(const Row &row, Style style) {
                   : *met ? "yes"
                          : "NO",
                   number(row.share_of_copy(), 2), number(row.set.median), row.held, others(row)});
-    return line(cells, style);
+    return table.line(cells);
 }
 
 std::string legend(Style style) {
@@ -109,7 +85,7 @@ std::string legend(Style style) {
         "those that differ by more than their bound in bench/pairs.cpp are named and not counted",
     };
     std::string text;
-    for (const char *each : lines) text += (style == Style::markdown ? "- " : "  ") + std::string(each) + "\n";
+    for (const char *each : lines) text += note(each, style);
     return text;
 }
 

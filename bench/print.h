@@ -1,16 +1,15 @@
-// The table as text, as Markdown and as JSON.
+// The table of operations beside peers, as text, Markdown and JSON.
 #pragma once
 
 #include "rows.h"
+#include "table.h"
 
 #include <nlohmann/json.hpp>
 
 namespace kzb::bench {
 
-enum class Style : uint8_t { text, markdown };
-
-std::string heading(Style style);
-std::string line_of(const Row &row, Style style);
+Table row_table(Style style);
+std::string line_of(const Row &row, const Table &table);
 // What the columns mean.
 std::string legend(Style style);
 

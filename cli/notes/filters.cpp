@@ -8,7 +8,7 @@ namespace {
 constexpr MethodNote tone[] = {
     {.name = "GammaFilter",
      .sentence = "Brightens (above 1) or darkens (below 1) along a power curve.",
-     .also = "brightness lighter darker exposure",
+     .also = "brightness lighter darker exposure tint warm color balance",
      .remark =
          "In a picture with alpha the forms without alphaGamma leave the new picture's alpha at 0: transparent. "
          "An alphaGamma of 1 keeps it. Of three gammas a gray picture takes a mean, which is cut to a whole number.",
@@ -34,7 +34,7 @@ constexpr MethodNote tone[] = {
      .example = "kzb photo.jpg : SolarizeFilter -o solarized.jpg"},
     {.name = "TransferFilter",
      .sentence = "Sends each channel through a table of values of your own.",
-     .also = "curve lookup duotone posterize table",
+     .also = "curve lookup duotone posterize table tint levels color",
      .remark = "Values beyond the end of a short array are 0. In a picture with alpha the forms without an array for "
                "alpha leave the new picture's alpha at 0: transparent.",
      .example = "kzb photo.jpg : TransferFilter \"[$(seq -s, 255 -1 0)]\" -o transferred.jpg",
@@ -45,7 +45,7 @@ constexpr MethodNote tone[] = {
                    {"alpha", "as red, for alpha"}}},
     {.name = "AutoLevel",
      .sentence = "Stretches the colours so that the darkest and the lightest half percent reach black and white.",
-     .also = "contrast normalize haze",
+     .also = "contrast normalize haze brightness",
      .remark =
          "For coloured pictures only; false for others. The rectangle is both what is measured and what is "
          "changed. A rectangle of a single brightness has nothing to stretch: its channels become black or white.",
@@ -55,7 +55,7 @@ constexpr MethodNote tone[] = {
 constexpr MethodNote dither[] = {
     {.name = "DitherFilter",
      .sentence = "Reduces each channel to a few levels in a pattern of dots.",
-     .also = "halftone posterize raster print",
+     .also = "halftone posterize raster print black and white levels",
      .remark =
          "The levels come out inverted, dark for light; Invert afterwards turns them back. The cluster patterns make "
          "all that is brighter than the middle white, Ordered6x6 and Ordered8x8 make nothing quite white. Alpha is "
@@ -89,13 +89,13 @@ constexpr MethodNote effects[] = {
      .arguments = {{"level", "how many pixels away; a negative one looks to the left and above; 0 gives plain gray"}}},
     {.name = "NeonFilter",
      .sentence = "Shows edges as glowing lines on black.",
-     .also = "edge outline contour",
+     .also = "edge outline contour sketch drawing",
      .remark = "The last column and the last row are compared with what lies beyond the picture and are mostly bright; "
                "ClipImage cuts them off. Alpha is treated like a colour: inside an opaque picture it becomes 0.",
      .example = "kzb photo.jpg : NeonFilter -o glowing.jpg"},
     {.name = "StampFilter",
      .sentence = "Blurs, then pushes each channel to that of one of two colours, with a soft edge between.",
-     .also = "threshold two colours print",
+     .also = "threshold two colours print black and white color",
      .remark =
          "Each channel goes to its own part of the two colours: on gray made coloured, as by CopyPicture of a channel, "
          "the result has two clean colours, else up to eight. The alpha of the new picture is left at 0: transparent;"
@@ -125,7 +125,7 @@ constexpr MethodNote blur[] = {
      .arguments = {{"Radius", "only what stands behind the point counts; a whole number changes nothing"}}},
     {.name = "UnsharpFilter",
      .sentence = "Sharpens: moves each value away from that of a softened copy, origpixels.",
-     .also = "sharpen mask",
+     .also = "sharpen mask detail",
      .remark = "Against the picture itself nothing changes.",
      .example = "kzb photo.jpg : =photo : BoxBlurFilter 2 3 : =soft : @photo : UnsharpFilter @soft 0.3 3 -o sharp.jpg",
      .arguments = {{"origpixels", "a picture of the same size and layout, such as the blurred one; false for another"},

@@ -11,7 +11,7 @@ constexpr const char *unscaled =
 constexpr MethodNote pictures[] = {
     {.name = "CopyPicture",
      .sentence = "A rectangle's colours, or all, as a picture of the host.",
-     .also = "opaque flatten alpha crop",
+     .also = "opaque flatten alpha crop transparent",
      .remark = "Without alpha: what was transparent shows the colours beneath. An empty rectangle gives nil.",
      .example = "kzb photo.png : CopyPicture -o opaque.png"},
     {.name = "CopyMask",
@@ -63,7 +63,7 @@ constexpr MethodNote pictures[] = {
 constexpr MethodNote making[] = {
     {.name = "CreatePictureKZB",
      .sentence = "A new picture of a size and layout, all bytes 0.",
-     .also = "blank canvas",
+     .also = "blank canvas color border frame",
      .remark =
          "Comes from the picture's Factory, else from the process's, else from memory; what a factory gives is not "
          "compared with what was asked for. Nil when there is no such layout or not enough memory.",

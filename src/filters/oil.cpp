@@ -4,6 +4,9 @@
 #include "image/row_ring.h"
 #include "image/storage.h"
 #include "kernels/oil.h"
+#include "kernels/oil_columns.h"
+
+#include <cstring>
 
 namespace kzb {
 
@@ -105,6 +108,56 @@ bool oil_by_rows(ImageRecord &source, ImageRecord &destination, const RowRoute &
     return true;
 }
 
+// The same for small ranges, in bands of rows and strips of columns whose histograms stay in the cache. False when
+// there is no memory for it.
+bool oil_by_columns(ImageRecord &source, ImageRecord &destination, const RowRoute &route, const Bins &bins,
+                    int32_t range) {
+    constexpr int32_t band_rows = 64;
+    constexpr int32_t strip_bytes = 1024; // of a row
+    const int32_t width = source.Width;
+    const int32_t height = source.Height;
+    const size_t channels = route.channels.size();
+    const int32_t strip = strip_bytes / static_cast<int32_t>(channels);
+    const size_t stride = (static_cast<size_t>(bins.count) + 63) / 64 * 64;
+    const auto counters = static_cast<int64_t>(static_cast<size_t>(strip + 2 * range) * channels * stride);
+    RowRing ring(source, route.channels, band_rows + 2 * int64_t{range});
+    PackedRows written(destination, route.channels, width, route.plain_destination);
+    const size_t bytes = written.bytes();
+    Buffer<uint8_t> results(band_rows * static_cast<int64_t>(bytes));
+    Buffer<uint8_t> counts(counters);
+    Buffer<uint16_t> sums(bins.count == most_levels ? 0 : counters);
+    if (!ring || !written || !results || !counts || !sums) return false;
+    kernels::OilColumns columns = {counts.get(), bins.count == most_levels ? nullptr : sums.get(), stride, channels, 0,
+                                   &bins};
+    for (int32_t top = 0; top < height; top += band_rows) {
+        const int32_t bottom = std::min(top + band_rows, height);
+        if (!ring.read_through(std::min(bottom - 1 + range, height - 1))) return true;
+        for (int32_t left = 0; left < width; left += strip) {
+            const int32_t right = std::min(left + strip, width);
+            const Stretch reached = {std::max(left - range, 0), std::min(right + range, width)};
+            columns.columns = reached.end - reached.start;
+            std::memset(counts.get(), 0, static_cast<size_t>(counters));
+            if (columns.sums != nullptr) std::memset(columns.sums, 0, static_cast<size_t>(counters) * sizeof(uint16_t));
+            const auto count = [&](int32_t y, int32_t sign) {
+                kernels::count_row(columns, ring.row(y) + static_cast<size_t>(reached.start) * channels, sign);
+            };
+            Stretch rows = neighbourhood(top, range, height);
+            for (int32_t y = rows.start; y < rows.end; ++y) count(y, 1);
+            for (int32_t y = top; y < bottom; ++y) {
+                const Stretch next = neighbourhood(y, range, height);
+                for (; rows.start < next.start; ++rows.start) count(rows.start, -1);
+                for (; rows.end < next.end; ++rows.end) count(rows.end, 1);
+                kernels::fullest_means(results.get() + static_cast<size_t>(y - top) * bytes +
+                                           static_cast<size_t>(left) * channels,
+                                       columns, left - reached.start, right - left, range);
+            }
+        }
+        for (int32_t y = top; y < bottom; ++y)
+            if (!written.write(y, results.get() + static_cast<size_t>(y - top) * bytes)) return true;
+    }
+    return true;
+}
+
 } // namespace
 
 ImageObject oil_filter(ImageObject image, ImageObject dest, int32_t levels, int32_t range) {
@@ -121,6 +174,9 @@ ImageObject oil_filter(ImageObject image, ImageObject dest, int32_t levels, int3
                          : most_counted <= kernels::Histogram<int32_t>::most ? oil_by_rows<int32_t>
                                                                              : oil_by_rows<int64_t>;
     const RowRoute route = row_route(source, destination, channels);
+    if (kernels::column_histograms_pay() && route.by_rows && !route.in_place &&
+        reach <= kernels::largest_column_range && oil_by_columns(source, destination, route, bins, reach))
+        return result.release();
     if (!route.by_rows || !by_rows(source, destination, route, bins, reach))
         oil_plainly(source, destination, channels, bins, reach);
     return result.release();

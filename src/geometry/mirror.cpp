@@ -5,6 +5,7 @@
 #include "image/paced_image.h"
 #include "image/row_window.h"
 #include "kernels/moves.h"
+#include "kernels/permute.h"
 #include "platform/buffer.h"
 
 #include <cstring>
@@ -82,15 +83,12 @@ void h_mirror(ImageObject object) {
     if (!usable(image) || !paced.pace()) return;
     const Pieces pieces = pieces_of(image, image, channels_of(image));
     if (pieces.count == 0 || image.Width < 2) return;
-    const int64_t last_pixel = (int64_t{image.Width} - 1) * image.PixelSize;
     for (int32_t y = 0; y < image.Height; ++y) {
         uint8_t *row = walked_row(image, y);
         if (row == nullptr) return;
-        for (size_t i = 0; i < pieces.count; ++i) {
-            uint8_t *first = row + pieces.from[i];
-            kernels::swap_runs(first, first + last_pixel, image.PixelSize, static_cast<size_t>(image.Width / 2),
-                               pieces.bytes);
-        }
+        for (size_t i = 0; i < pieces.count; ++i)
+            kernels::reverse_pixels(row + pieces.from[i], static_cast<size_t>(image.PixelSize), pieces.bytes,
+                                    static_cast<size_t>(image.Width));
         if (!paced.pace()) return;
     }
 }

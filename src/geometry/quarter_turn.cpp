@@ -4,6 +4,9 @@
 #include "geometry/row_band.h"
 #include "image/destination.h"
 #include "kernels/moves.h"
+#include "kernels/transpose.h"
+
+#include <cstdlib>
 
 namespace kzb {
 
@@ -12,9 +15,9 @@ namespace {
 enum class Turn { counter_clockwise, clockwise };
 enum class Order { rows, tiles };
 
-// The edge of the squares in which pixels are turned: their rows on both sides stay in the nearest cache, also where
-// they lie a power of two apart.
-constexpr int64_t cached_edge = 16;
+// Bytes of a row of the squares in which pixels are turned: a line of the nearest cache, so that it is used up while it
+// is there.
+constexpr int64_t cached_bytes = 64;
 
 // Moves single pixels, in the order of the calls.
 class PixelMover {
@@ -72,10 +75,11 @@ void turn_grid(const kernels::Grid<uint8_t> &target, const kernels::Grid<const u
         grid.first += row * grid.row_step + column * grid.column_step + offset;
         return grid;
     };
-    for (int64_t row = 0; row < rows; row += cached_edge) {
-        for (int64_t column = 0; column < columns; column += cached_edge) {
-            const auto height = static_cast<size_t>(std::min(cached_edge, rows - row));
-            const auto width = static_cast<size_t>(std::min(cached_edge, columns - column));
+    const int64_t edge = cached_bytes / std::min<int64_t>(std::abs(target.column_step), 4);
+    for (int64_t row = 0; row < rows; row += edge) {
+        for (int64_t column = 0; column < columns; column += edge) {
+            const auto height = static_cast<size_t>(std::min(edge, rows - row));
+            const auto width = static_cast<size_t>(std::min(edge, columns - column));
             for (size_t i = 0; i < pieces.count; ++i)
                 kernels::move_transposed(at(target, row, column, pieces.to[i]), at(source, column, row, pieces.from[i]),
                                          height, width, pieces.bytes);

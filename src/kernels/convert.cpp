@@ -1,6 +1,7 @@
 #include "kernels/convert.h"
 
 #include "kernels/lanes.h"
+#include "kernels/weigh.h"
 
 #include <algorithm>
 #include <cstring>
@@ -12,29 +13,39 @@ namespace {
 // The bytes of a row from the lowest channel of its first pixel to the highest of its last.
 struct Span {
     int32_t first; // offset of the lowest channel
+    size_t width;  // to the highest, with it
     size_t size;
 
     Span(const Placement &placement, size_t channels, size_t count) {
         const auto [low, high] = std::minmax_element(placement.offsets.begin(), placement.offsets.begin() + channels);
         first = *low;
-        size = (count - 1) * placement.step + static_cast<size_t>(*high - *low) + 1;
+        width = static_cast<size_t>(*high - *low) + 1;
+        size = (count - 1) * placement.step + width;
     }
+
+    // Whether no byte belongs to two pixels, which are of at most four bytes.
+    bool within(size_t step) const { return width <= step && step <= 4; }
 };
 
-// Copies whole runs of bytes where the channels lie at the same places of both pixels and the rows have no bytes in
-// common; false, with nothing written, elsewhere.
-bool convert_as_lanes(uint8_t *target, const uint8_t *source, const Conversion &conversion, size_t count) {
+// Rows that have no byte in common, from the lowest channel of their first pixels on.
+struct Apart {
+    uint8_t *target;
+    const uint8_t *source;
+    Span written, read;
+    bool small; // pixels of at most four bytes that have no byte in common
+};
+
+// Copies whole runs of bytes where the channels lie at the same places of both pixels; false, with nothing written,
+// elsewhere.
+bool convert_as_lanes(const Apart &rows, const Conversion &conversion) {
     const auto &[to, from, channels, to_gray, last_flip] = conversion;
     if (to_gray || to.step != from.step || lane_period % to.step != 0) return false;
-    const Span written(to, channels, count);
-    const Span read(from, channels, count);
-    if (!disjoint(target + written.first, written.size, source + read.first, read.size)) return false;
     Lanes keep;
     Lanes flip = {};
     keep.fill(0xff);
     for (size_t i = 0; i < channels; ++i) {
-        const auto place = static_cast<size_t>(to.offsets[i] - written.first);
-        if (place != static_cast<size_t>(from.offsets[i] - read.first) || place >= to.step) return false;
+        const auto place = static_cast<size_t>(to.offsets[i] - rows.written.first);
+        if (place != static_cast<size_t>(from.offsets[i] - rows.read.first) || place >= to.step) return false;
         for (size_t lane = place; lane < lane_period; lane += to.step) {
             keep[lane] = 0;
             flip[lane] = i == channels - 1 ? last_flip : uint8_t{0};
@@ -42,9 +53,48 @@ bool convert_as_lanes(uint8_t *target, const uint8_t *source, const Conversion &
     }
     const bool whole_bytes = last_flip == 0 && std::count(keep.begin(), keep.end(), 0) == lane_period;
     if (whole_bytes)
-        std::memcpy(target + written.first, source + read.first, written.size);
+        std::memcpy(rows.target, rows.source, rows.written.size);
     else
-        copy_lanes(target + written.first, source + read.first, written.size, keep, flip);
+        copy_lanes(rows.target, rows.source, rows.written.size, keep, flip);
+    return true;
+}
+
+void convert_by_permutation(const Apart &rows, const Conversion &conversion, size_t count) {
+    const auto &[to, from, channels, to_gray, last_flip] = conversion;
+    Permutation permutation = {to.step, from.step, {-1, -1, -1, -1}, {}, false};
+    for (size_t i = 0; i < channels; ++i) {
+        const auto place = static_cast<size_t>(to.offsets[i] - rows.written.first);
+        permutation.from[place] = static_cast<int8_t>(from.offsets[i] - rows.read.first);
+        permutation.flip[place] = i == channels - 1 ? last_flip : uint8_t{0};
+    }
+    permute_pixels(rows.target, rows.source, permutation, count);
+}
+
+void convert_by_weighing(const Apart &rows, const Conversion &conversion, size_t count) {
+    const Placement &to = conversion.to, &from = conversion.from;
+    const auto read = [&](size_t i) { return static_cast<int8_t>(from.offsets[i] - rows.read.first); };
+    const auto written = [&](size_t i) { return static_cast<int8_t>(to.offsets[i] - rows.written.first); };
+    const bool alpha = conversion.channels == 2;
+    weigh_pixels(rows.target, rows.source,
+                 {to.step, from.step, read(0), read(1), read(2), alpha ? read(3) : int8_t{0}, written(0),
+                  alpha ? written(1) : int8_t{-1}, conversion.last_flip},
+                 count);
+}
+
+// For rows that have no byte in common; false, with nothing written, elsewhere.
+bool convert_apart(uint8_t *target, const uint8_t *source, const Conversion &conversion, size_t count) {
+    const auto &[to, from, channels, to_gray, last_flip] = conversion;
+    const Span written(to, channels, count);
+    const Span read(from, to_gray ? channels + 2 : channels, count);
+    const Apart rows = {target + written.first, source + read.first, written, read,
+                        written.within(to.step) && read.within(from.step)};
+    if (!disjoint(rows.target, written.size, rows.source, read.size)) return false;
+    if (convert_as_lanes(rows, conversion)) return true;
+    if (!rows.small) return false;
+    if (to_gray)
+        convert_by_weighing(rows, conversion, count);
+    else
+        convert_by_permutation(rows, conversion, count);
     return true;
 }
 
@@ -82,7 +132,7 @@ void copy_channel(uint8_t *target, size_t target_step, const uint8_t *source, si
 }
 
 void convert(uint8_t *target, const uint8_t *source, const Conversion &conversion, size_t count) {
-    if (count == 0 || conversion.channels == 0 || convert_as_lanes(target, source, conversion, count)) return;
+    if (count == 0 || conversion.channels == 0 || convert_apart(target, source, conversion, count)) return;
     if (conversion.to_gray)
         return conversion.channels == 2 ? weigh_channels<true>(target, source, conversion, count)
                                         : weigh_channels<false>(target, source, conversion, count);

@@ -1,5 +1,8 @@
 #include "kernels/moves.h"
 
+#include "kernels/permute.h"
+
+#include <cstdlib>
 #include <cstring>
 #include <type_traits>
 
@@ -10,11 +13,16 @@ namespace {
 // Calls body(std::integral_constant<size_t, bytes>), so that a run's length is known to the compiler.
 template <class Body> void for_length(size_t bytes, Body body) {
     switch (bytes) {
-    case 1: return body(std::integral_constant<size_t, 1>());
-    case 2: return body(std::integral_constant<size_t, 2>());
-    case 3: return body(std::integral_constant<size_t, 3>());
-    case 4: return body(std::integral_constant<size_t, 4>());
-    default: return;
+    case 1:
+        return body(std::integral_constant<size_t, 1>());
+    case 2:
+        return body(std::integral_constant<size_t, 2>());
+    case 3:
+        return body(std::integral_constant<size_t, 3>());
+    case 4:
+        return body(std::integral_constant<size_t, 4>());
+    default:
+        return;
     }
 }
 
@@ -38,28 +46,17 @@ void move(uint8_t *target, ptrdiff_t target_step, const uint8_t *source, ptrdiff
 
 void move_runs(uint8_t *target, ptrdiff_t target_step, const uint8_t *source, ptrdiff_t source_step, size_t count,
                size_t bytes) {
-    for_length(bytes, [&](auto length) { move<length>(target, target_step, source, source_step, count); });
-}
-
-void move_transposed(const Grid<uint8_t> &target, const Grid<const uint8_t> &source, size_t rows, size_t columns,
-                     size_t bytes) {
-    for_length(bytes, [=](auto length) {
-        uint8_t *to = target.first;
-        const uint8_t *from = source.first;
-        for (size_t row = 0; row < rows; ++row, to += target.row_step, from += source.column_step)
-            move<length>(to, target.column_step, from, source.row_step, columns);
-    });
-}
-
-void swap_runs(uint8_t *first, uint8_t *last, ptrdiff_t step, size_t count, size_t bytes) {
-    for_length(bytes, [&](auto length) {
-        for (size_t i = 0; i < count; ++i, first += step, last -= step) {
-            uint8_t kept[length];
-            std::memcpy(kept, first, length);
-            std::memcpy(first, last, length);
-            std::memcpy(last, kept, length);
-        }
-    });
+    const auto length = static_cast<ptrdiff_t>(bytes);
+    const ptrdiff_t distance = std::abs(source_step);
+    if (target_step == length && source_step == length)
+        std::memcpy(target, source, count * bytes);
+    else if (target_step >= length && target_step <= 4 && distance >= length && distance <= 4)
+        permute_pixels(
+            target, source,
+            leading_bytes(static_cast<size_t>(target_step), static_cast<size_t>(distance), bytes, source_step < 0),
+            count);
+    else
+        for_length(bytes, [&](auto known) { move<known>(target, target_step, source, source_step, count); });
 }
 
 void fill_runs(uint8_t *target, ptrdiff_t step, const uint8_t *value, size_t count, size_t bytes) {

@@ -6,24 +6,9 @@
 
 namespace kzb::kernels {
 
-// A grid of runs: where its first run lies, and the steps from row to row and from column to column.
-template <class Byte> struct Grid {
-    Byte *first;
-    ptrdiff_t row_step;
-    ptrdiff_t column_step;
-};
-
 // target[i] = source[i] for i below count, `bytes` bytes each. The two share no byte.
 void move_runs(uint8_t *target, ptrdiff_t target_step, const uint8_t *source, ptrdiff_t source_step, size_t count,
                size_t bytes);
-
-// target(row, column) = source(column, row) for the target's rows and columns, `bytes` bytes each. The two share no
-// byte.
-void move_transposed(const Grid<uint8_t> &target, const Grid<const uint8_t> &source, size_t rows, size_t columns,
-                     size_t bytes);
-
-// Swaps first[i] and last[-i] for i below count, `bytes` bytes each.
-void swap_runs(uint8_t *first, uint8_t *last, ptrdiff_t step, size_t count, size_t bytes);
 
 // target[i] = the `bytes` bytes at value, for i below count.
 void fill_runs(uint8_t *target, ptrdiff_t step, const uint8_t *value, size_t count, size_t bytes);

@@ -1,5 +1,7 @@
 #include "kernels/pick.h"
 
+#include "kernels/weigh.h"
+
 #include <algorithm>
 #include <cstring>
 

@@ -145,7 +145,8 @@ TEST(Check, RefusesWhatIsNoLibrary) {
 TEST(Check, FailsForLibrariesThatCannotBeLoaded) {
     const json program = report({KZB_COMMAND, "library"}, 1);
     EXPECT_EQ(program["checks"][0]["result"], "fail") << program;
-    // The head of the module for another machine, and the module without its end.
+    // The head of the module for another machine, and the module without its end, of which the last may be half that
+    // only debuggers read.
     std::ifstream file(module_file, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
     const std::string path = std::filesystem::temp_directory_path() / "kzb-check-damaged.so";
@@ -154,7 +155,7 @@ TEST(Check, FailsForLibrariesThatCannotBeLoaded) {
     std::ofstream(path, std::ios::binary) << other;
     EXPECT_EQ(report({path, "library"}, 1)["checks"][0]["sentence"],
               "the library is for another machine than this one");
-    for (size_t length : {size_t{64}, size_t{1000}, bytes.size() / 2}) {
+    for (size_t length : {64, 1000, 20000}) {
         std::ofstream(path, std::ios::binary) << bytes.substr(0, length);
         EXPECT_EQ(report({path}, 1)["checks"][0]["result"], "fail") << length;
     }

@@ -250,6 +250,33 @@ TEST(RepeatedBoxBlur, ThreePassesEverywhere) {
     }
 }
 
+TEST(RepeatedBoxBlur, AnyNumberOfPassesOfLargerImages) {
+    for (int32_t code : {1, 2, 3, 5, 11, 12}) {
+        for (double radius : {0.0, 1.0, 9.0, 70.0, 127.0, 128.0}) {
+            for (int32_t passes : {1, 2, 3, 4, 5, 7}) {
+                const Image source = random_image(83, 41, code, 11);
+                const FilterCheck check = {
+                    [=](const Image &image, const Value &dest) {
+                        return image.call("BoxBlurFilter", dest, radius, passes);
+                    },
+                    [=](const PlainImage &from, const PlainImage &to) { repeated(from, to, radius, passes); }};
+                check_one(check, source, Object(), "radius " + std::to_string(radius));
+            }
+        }
+    }
+}
+
+TEST(RepeatedBoxBlur, UserCodeBetweenThePassesMeetsTheirImages) {
+    const Image source = random_image(40, 30, 2, 11);
+    const Bytes expected = storage_of(Image(source.call("BoxBlurFilter", nullptr, 2.0, 3)));
+    // A factory that supplies nothing might supply any of the images.
+    source.set("Factory", Object::make("PictureFactoryKZB"));
+    EXPECT_EQ(storage_of(Image(source.call("BoxBlurFilter", nullptr, 2.0, 3))), expected);
+    source.set("Factory", nullptr);
+    source.set("YieldTicks", 1);
+    EXPECT_EQ(storage_of(Image(source.call("BoxBlurFilter", nullptr, 2.0, 3))), expected);
+}
+
 TEST(RepeatedBoxBlur, ThePassedDestinationReceivesTheFirstPassAlone) {
     for (const Layout &of : layouts()) {
         const Image source = random_image(17, 9, of.code, 11), destination = random_image(17, 9, of.code, 12);

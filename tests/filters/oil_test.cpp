@@ -54,6 +54,13 @@ TEST(OilFilter, EveryRangeAroundTheImagesSize) {
     }
 }
 
+TEST(OilFilter, ImagesOfSeveralBandsAndStrips) {
+    // More than 64 rows, and more than 1024 bytes in a row.
+    for (auto [format, width] : {std::pair(2, 300), std::pair(11, 1100)})
+        for (auto [levels, range] : {std::pair(256, 1), std::pair(40, 2)})
+            check_one(check_of(levels, range), *make_image(Storage::memory, width, 70, format, 3), Object(), "large");
+}
+
 TEST(OilFilter, AHugeRangeIsTheWholeImage) {
     for (int32_t range : {1000, 1 << 30, INT32_MAX}) {
         const Image source = *make_image(Storage::memory, 11, 7, 1, 9);

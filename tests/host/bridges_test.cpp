@@ -150,6 +150,14 @@ void *lacking(const char *) {
     return nullptr;
 }
 
+TEST(EntryPoints, WithoutAHostThereAreNone) {
+    set_resolver(nullptr);
+    EXPECT_EQ(resolve("REALLockObject"), nullptr);
+    EntryPoint<int32_t(KZBArray)> missing("RuntimeUBound");
+    EXPECT_FALSE(missing.offered());
+    EXPECT_EQ(missing(nullptr), 0);
+}
+
 TEST(EntryPoints, OneThatTheHostLacksGivesZeroAndIsAskedForAgain) {
     set_resolver(lacking);
     lookups = 0;

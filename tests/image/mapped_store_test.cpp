@@ -157,6 +157,16 @@ TEST(MappingBlockSize, OfAnImageInMemoryIsANumber) {
     EXPECT_EQ(storage_of(image), before);
 }
 
+TEST(MappingBlockSize, OfFiveRowsBeyond31BitsIsNotSet) {
+    uint8_t byte = 0;
+    for (const auto &[row_size, set] : {std::pair{429'490'176, true}, {429'500'000, false}}) {
+        const Image image(Object::make("PictureKZB", block_at(&byte), 1, 1, 11, row_size));
+        ASSERT_TRUE(image.valid());
+        image.set("MappingBlockSize", 1);
+        EXPECT_EQ(image.integer("MappingBlockSize"), set ? 5 * int64_t{row_size} : 0) << row_size;
+    }
+}
+
 TEST(MappingBlockSize, IsLeftAloneWithoutStorage) {
     const Image empty(Object::make("PictureKZB"));
     empty.set("MappingBlockSize", 5);
@@ -285,6 +295,12 @@ TEST(FileBacked, ARowWithoutBytesOrBeyond31BitsIsRefused) {
         const std::string path = scratch_path();
         expect_refused(in_file(path, width, 3, format), path, width, 3, format);
     }
+}
+
+TEST(FileBacked, FiveRowsBeyond31BitsAreRefused) {
+    const std::string path = scratch_path();
+    EXPECT_FALSE(in_file(path, 429'494'273, 1, 11).valid()) << "a byte more than fits";
+    EXPECT_FALSE(files::exists(path));
 }
 
 TEST(FileBacked, NegativeSizesAndUnknownLayoutsAreRefused) {

@@ -169,11 +169,28 @@ TEST_F(Worlds, AnImageIsNotValidWhereTheSystemFails) {
         EXPECT_FALSE(image.record.Valid) << function;
         EXPECT_EQ(host_picture.references, 0) << function;
     }
-    start();
-    host_picture.description = {KZB_PICTURE_GWORLD, nullptr, 0, 7, 4};
-    ImageHolder image;
-    construct_on_picture(image.object(), the_picture(), 0);
-    EXPECT_FALSE(image.record.Valid);
+}
+
+TEST_F(Worlds, AnImageIsNotValidOnAPictureOfAnotherKindOrSize) {
+    GWorldPtr world = world_of(7, 4, 32);
+    for (const PictureDescription &description : {PictureDescription{KZB_PICTURE_GWORLD, nullptr, 0, 7, 4},
+                                                  {KZB_PICTURE_GWORLD + 1, world, 0, 7, 4},
+                                                  {KZB_PICTURE_GWORLD, world, 0, -1, 4},
+                                                  {KZB_PICTURE_GWORLD, world, 0, 7, -1}}) {
+        host_picture.description = description;
+        ImageHolder image;
+        construct_on_picture(image.object(), the_picture(), 0);
+        EXPECT_FALSE(image.record.Valid);
+        EXPECT_EQ(host_picture.references, 0);
+    }
+}
+
+TEST_F(Worlds, NilHasNoSizeAndIsNotDrawn) {
+    EXPECT_EQ(picture_width(nullptr), 0);
+    EXPECT_EQ(picture_height(nullptr), 0);
+    draw_picture(as_object(the_picture()), nullptr, 1, 1);
+    draw_picture(nullptr, the_picture(), 1, 1);
+    EXPECT_TRUE(calls().empty());
 }
 
 TEST_F(Worlds, APictureOfAnImageIsDisposedOfWhereItFails) {

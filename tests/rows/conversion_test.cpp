@@ -233,6 +233,19 @@ TEST(Conversion, DataBeyondWhatAStringHoldsGiveNil) {
     EXPECT_TRUE(image.call("DataStringInFormat", 2).is_nil());
 }
 
+TEST(Conversion, RowsBeyondWhatABlockHoldsGiveNil) {
+    // Nothing of it is read.
+    uint8_t byte = 0;
+    constexpr int32_t width = INT32_MAX / 4 + 1;
+    const Image image(Object::make("PictureKZB", block_at(&byte), width, 1, 11, width));
+    ASSERT_TRUE(image.valid());
+    for (int32_t format : {2, 4, 8}) {
+        EXPECT_TRUE(image.call("RowInFormat", 0, format).is_nil());
+        EXPECT_TRUE(image.call("RowStringInFormat", 0, format).is_nil());
+        EXPECT_TRUE(image.call("DataStringInFormat", format).is_nil());
+    }
+}
+
 TEST(Conversion, ABlockOverTheImagesOwnBytesIsTakenPixelAfterPixel) {
     const Image image(3, 1, 2);
     Bytes row(64);

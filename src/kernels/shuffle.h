@@ -1,0 +1,125 @@
+// Permutations of pixels in vector registers.
+#pragma once
+
+#include "kernels/permute.h"
+
+#include <algorithm>
+#include <cstring>
+
+#ifdef KZB_X86
+#include <immintrin.h>
+
+namespace kzb::kernels {
+
+// For each byte of a register of pixels of 1 to 4 bytes: its place in its pixel, 4 where no whole pixel fits; and where
+// the pixel starts among pixels of 1 to 4 bytes.
+struct PixelPlaces {
+    alignas(64) uint8_t place[4][64];
+    alignas(64) uint8_t start[4][4][64];
+};
+
+constexpr PixelPlaces pixel_places(size_t size) {
+    PixelPlaces places = {};
+    for (size_t step = 1; step <= 4; ++step) {
+        for (size_t i = 0; i < size; ++i) {
+            places.place[step - 1][i] = static_cast<uint8_t>(i < size / step * step ? i % step : 4);
+            for (size_t from = 1; from <= 4; ++from)
+                places.start[step - 1][from - 1][i] = static_cast<uint8_t>(i / step * from);
+        }
+    }
+    return places;
+}
+
+inline constexpr PixelPlaces places_of_64 = pixel_places(64);
+inline constexpr PixelPlaces places_of_16 = pixel_places(16);
+
+inline uint64_t lowest_bits(size_t count) {
+    return count < 64 ? (uint64_t{1} << count) - 1 : ~uint64_t{0};
+}
+
+KZB_TARGET_AVX2 inline __m128i load(const uint8_t *bytes) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i *>(bytes));
+}
+
+KZB_TARGET_AVX2 inline void store(uint8_t *bytes, __m128i value) {
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(bytes), value);
+}
+
+// The bytes of a permutation for each place, those beyond the pixel as -1 and 0.
+KZB_TARGET_AVX2 inline __m128i by_place(const std::array<int8_t, 4> &from) {
+    int32_t four;
+    std::memcpy(&four, from.data(), sizeof four);
+    return _mm_insert_epi32(_mm_set1_epi8(-1), four, 0);
+}
+
+KZB_TARGET_AVX2 inline __m128i by_place(const std::array<uint8_t, 4> &flip) {
+    int32_t four;
+    std::memcpy(&four, flip.data(), sizeof four);
+    return _mm_cvtsi32_si128(four);
+}
+
+// Stores the marked bytes over 64 that all exist. A masked store to a line that is not in the nearest cache takes three
+// times as long as reading and writing it.
+KZB_TARGET_AVX512 inline void store_over(uint8_t *bytes, uint64_t mask, __m512i value) {
+    const bool all = mask == ~uint64_t{0};
+    _mm512_storeu_si512(bytes, all ? value : _mm512_mask_blend_epi8(mask, _mm512_loadu_si512(bytes), value));
+}
+
+// What becomes of the pixels that fill 16 bytes; bytes that are not written have an index of 0x80 or more.
+struct Shuffle128 {
+    __m128i index, flip, written;
+    size_t pixels;
+
+    KZB_TARGET_AVX2 explicit Shuffle128(const Permutation &permutation)
+        : pixels(16 / std::max(permutation.to_step, permutation.from_step)) {
+        const __m128i place = load(places_of_16.place[permutation.to_step - 1]);
+        const __m128i from = _mm_shuffle_epi8(by_place(permutation.from), place);
+        __m128i start = load(places_of_16.start[permutation.to_step - 1][permutation.from_step - 1]);
+        const auto last = static_cast<char>((pixels - 1) * permutation.from_step);
+        // Of more pixels than fit, those that do not.
+        const __m128i beyond = _mm_cmpgt_epi8(start, _mm_set1_epi8(last));
+        if (permutation.reversed) start = _mm_sub_epi8(_mm_set1_epi8(last), start);
+        const __m128i kept = _mm_or_si128(_mm_cmpgt_epi8(_mm_setzero_si128(), from), beyond);
+        index = _mm_or_si128(_mm_add_epi8(start, from), kept);
+        flip = _mm_shuffle_epi8(by_place(permutation.flip), place);
+        written = _mm_andnot_si128(kept, _mm_set1_epi8(-1));
+    }
+
+    // The target's bytes, of which those of the permutation come from the source's.
+    KZB_TARGET_AVX2 __m128i operator()(__m128i target, __m128i source) const {
+        return _mm_blendv_epi8(target, _mm_xor_si128(_mm_shuffle_epi8(source, index), flip), written);
+    }
+};
+
+// The same for 64 bytes, with a bit for each byte that is read or written.
+struct Shuffle512 {
+    __m512i index, flip;
+    uint64_t read_mask, written_mask;
+    size_t pixels;
+
+    KZB_TARGET_AVX512 explicit Shuffle512(const Permutation &permutation)
+        : pixels(64 / std::max(permutation.to_step, permutation.from_step)) {
+        const __m512i place = _mm512_load_si512(places_of_64.place[permutation.to_step - 1]);
+        const __m512i from = _mm512_permutexvar_epi8(place, _mm512_castsi128_si512(by_place(permutation.from)));
+        __m512i start = _mm512_load_si512(places_of_64.start[permutation.to_step - 1][permutation.from_step - 1]);
+        if (permutation.reversed)
+            start = _mm512_sub_epi8(_mm512_set1_epi8(static_cast<char>((pixels - 1) * permutation.from_step)), start);
+        index = _mm512_add_epi8(start, from);
+        flip = _mm512_permutexvar_epi8(place, _mm512_castsi128_si512(by_place(permutation.flip)));
+        written_mask = ~_mm512_movepi8_mask(from) & lowest_bits(pixels * permutation.to_step);
+        uint64_t bytes = 0;
+        for (size_t k = 0; k < permutation.to_step; ++k)
+            if (permutation.from[k] >= 0) bytes |= uint64_t{1} << permutation.from[k];
+        constexpr uint64_t pixel_starts[] = {~uint64_t{0}, 0x5555555555555555, 0x9249249249249249, 0x1111111111111111};
+        read_mask = bytes * pixel_starts[permutation.from_step - 1] & lowest_bits(pixels * permutation.from_step);
+        if (permutation.from_step == 1) read_mask = lowest_bits(pixels);
+    }
+
+    KZB_TARGET_AVX512 __m512i operator()(__m512i source) const {
+        return _mm512_xor_si512(_mm512_permutexvar_epi8(index, source), flip);
+    }
+};
+
+} // namespace kzb::kernels
+
+#endif

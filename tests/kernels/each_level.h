@@ -1,0 +1,30 @@
+// Every instruction set that this machine runs.
+#pragma once
+
+#include "kernels/level.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+namespace kzb::kernels {
+
+template <class Check> void for_each_level(Check check) {
+    for (Level level : {Level::baseline, Level::avx2, Level::avx512}) {
+        if (!runs(level)) continue;
+        SCOPED_TRACE(name_of(level));
+        check(level);
+        if (testing::Test::HasFatalFailure()) return;
+    }
+}
+
+inline std::vector<uint8_t> random_bytes(size_t count, uint32_t seed) {
+    std::mt19937 engine(seed);
+    std::vector<uint8_t> bytes(count);
+    for (uint8_t &byte : bytes) byte = static_cast<uint8_t>(engine() >> 24);
+    return bytes;
+}
+
+} // namespace kzb::kernels
