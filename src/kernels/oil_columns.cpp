@@ -1,12 +1,9 @@
 #include "kernels/oil_columns.h"
 
-#include <cstring>
+#include "kernels/avx512.h"
 
-#if defined(__x86_64__) || defined(__i386__)
-#include <immintrin.h>
-// GCC 12 takes the undefined registers of its own intrinsics for mistakes.
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
+#include <bit>
+#include <cstring>
 
 namespace kzb::kernels {
 
@@ -115,7 +112,7 @@ KZB_TARGET_AVX512 inline void fullest_means_of(uint8_t *target, const OilColumns
             uint64_t bin = 0;
             for (size_t k = parts; k-- > 0;) {
                 const uint64_t places = _mm512_cmpeq_epi8_mask(window[k], best);
-                bin = places != 0 ? block * k + _tzcnt_u64(places) : bin;
+                bin = places != 0 ? block * k + static_cast<size_t>(std::countr_zero(places)) : bin;
             }
             const auto most = static_cast<uint32_t>(_mm_cvtsi128_si32(_mm512_castsi512_si128(best))) & 0xff;
             target[static_cast<size_t>(x - first) * columns.channels + channel] =
