@@ -8,7 +8,7 @@
 namespace kzb::bench {
 
 struct Measuring {
-    int rounds = 5;
+    int rounds = 3;
     bool hold = true;          // against the plain reference first
     bool always_whole = false; // also where the reference is slow
     bool peers = true;

@@ -1,74 +1,109 @@
 #include "filters/dither.h"
 
 #include "filters/dither_matrices.h"
-#include "filters/tables.h"
+#include "image/destination.h"
 #include "image/mapped_store.h"
+#include "image/packed_rows.h"
 #include "image/plain_walk.h"
-#include "kernels/look_up.h"
+#include "kernels/dither.h"
 #include "platform/buffer.h"
+
+#include <algorithm>
+#include <cstring>
 
 namespace kzb {
 
 namespace {
-
-// Where a byte lies among the levels, whatever its pixel's threshold.
-struct Levels {
-    Table lower;
-    Table upper;
-    Table fraction; // a threshold below it selects the lower level
-
-    Levels(int32_t levels, int32_t cells) {
-        const int32_t steps = levels - 1;
-        for (int32_t v = 0; v < 256; ++v) {
-            const auto i = static_cast<size_t>(v);
-            const int32_t level = v * steps / 256;
-            lower[i] = static_cast<uint8_t>(level * 255 / steps);
-            upper[i] = static_cast<uint8_t>((level + 1) * 255 / steps);
-            fraction[i] = static_cast<uint8_t>(v * (cells + 1) / 256);
-        }
-    }
-
-    uint8_t dithered(uint8_t value, uint8_t threshold) const {
-        return threshold < fraction[value] ? lower[value] : upper[value];
-    }
-};
 
 uint8_t threshold_at(const DitherMatrix &matrix, int32_t x, int32_t y) {
     return matrix.thresholds[static_cast<size_t>(y % matrix.size * matrix.size + x % matrix.size)];
 }
 
 void dither_plainly(ImageRecord &source, ImageRecord &destination, const Channels &channels, const DitherMatrix &matrix,
-                    const Levels &levels) {
+                    const kernels::DitherScale &scale) {
     walk_plainly(source, destination, channels, source.Width, source.Height,
-                 [&](size_t, int32_t x, int32_t y, uint8_t value) {
-                     return levels.dithered(value, threshold_at(matrix, x, y));
-                 });
+                 [&](size_t, int32_t x, int32_t y, uint8_t value) { return scale(value, threshold_at(matrix, x, y)); });
 }
 
-// The pixels that share a column of the matrix go through one table. False when there is no memory for the tables.
-bool dither_by_rows(ImageRecord &source, ImageRecord &destination, const Channels &channels, const DitherMatrix &matrix,
-                    const Levels &levels) {
-    Buffer<Table> tables(static_cast<int64_t>(matrix.thresholds.size()));
-    if (!tables) return false;
-    for (size_t i = 0; i < matrix.thresholds.size(); ++i)
-        for (size_t v = 0; v < 256; ++v) tables[i][v] = levels.dithered(static_cast<uint8_t>(v), matrix.thresholds[i]);
-
-    const int32_t size = matrix.size;
-    const int32_t width = source.Width;
-    for (int32_t y = 0; y < source.Height; ++y) {
-        const uint8_t *row = walked_row(source, y);
-        uint8_t *target = walked_row(destination, y);
-        if (row == nullptr || target == nullptr) return true;
-        for (int32_t x = 0; x < std::min(size, width); ++x) {
-            const uint8_t *table = tables[static_cast<size_t>(y % size * size + x)].data();
-            for (Channel channel : channels)
-                kernels::look_up(target + static_cast<int64_t>(x) * destination.PixelSize +
-                                     offset_of(destination, channel),
-                                 static_cast<size_t>(destination.PixelSize) * static_cast<size_t>(size),
-                                 row + static_cast<int64_t>(x) * source.PixelSize + offset_of(source, channel),
-                                 static_cast<size_t>(source.PixelSize) * static_cast<size_t>(size), table,
-                                 static_cast<size_t>((width - x - 1) / size + 1));
+// A byte for each byte of a row: the thresholds of its pixels, and which bytes are not a channel's and stay. Both
+// repeat.
+class DitherPattern {
+public:
+    // For rows of `width` pixels of `step` bytes, whose channels lie at these places of each.
+    DitherPattern(const DitherMatrix &matrix, int32_t width, int32_t height, size_t step, const ChannelOffsets &places,
+                  size_t channels)
+        : period_(step * static_cast<size_t>(matrix.size)), rows_(std::min(matrix.size, height)) {
+        constexpr size_t pass = 1024;
+        length_ = std::min((pass + period_ - 1) / period_ * period_, static_cast<size_t>(width) * step);
+        bytes_ = Buffer<uint8_t>(static_cast<int64_t>(length_) * (rows_ + 1));
+        if (!bytes_) return;
+        std::memset(&bytes_[0], 0xff, length_);
+        for (size_t i = 0; i < channels; ++i)
+            for (auto at = static_cast<size_t>(places[i]); at < length_; at += step) bytes_[at] = 0;
+        for (int32_t y = 0; y < rows_; ++y) {
+            uint8_t *row = &bytes_[length_ * static_cast<size_t>(y + 1)];
+            for (size_t at = 0; at < std::min(length_, period_); ++at)
+                row[at] = threshold_at(matrix, static_cast<int32_t>(at / step), y);
+            for (size_t at = period_; at < length_; ++at) row[at] = row[at - period_];
         }
+    }
+
+    // False when there is no memory for it.
+    explicit operator bool() const { return static_cast<bool>(bytes_); }
+
+    void dither(uint8_t *target, const uint8_t *source, int32_t y, const kernels::DitherScale &scale,
+                size_t count) const {
+        const uint8_t *thresholds = &bytes_[length_ * static_cast<size_t>(y % rows_ + 1)];
+        for (size_t at = 0; at < count; at += length_)
+            kernels::dither(target + at, source + at, thresholds, &bytes_[0], scale, std::min(length_, count - at));
+    }
+
+private:
+    size_t period_, length_;
+    int32_t rows_;
+    Buffer<uint8_t> bytes_; // what stays, then the thresholds row by row
+};
+
+// Whether the channels lie at the same places of pixels of the same size.
+bool alike(const ImageRecord &source, const ImageRecord &destination, const ChannelOffsets &from, size_t channels,
+           const ChannelOffsets &to) {
+    if (source.PixelSize != destination.PixelSize || from != to) return false;
+    const auto [low, high] = std::minmax_element(from.begin(), from.begin() + channels);
+    return *high - *low < source.PixelSize;
+}
+
+// False when there is no memory for it.
+bool dither_by_rows(ImageRecord &source, ImageRecord &destination, const Channels &channels, const DitherMatrix &matrix,
+                    const kernels::DitherScale &scale) {
+    const int32_t width = source.Width, height = source.Height;
+    if (width < 1 || channels.size() == 0) return true;
+    const ChannelOffsets from = offsets_of(source, channels);
+    if (alike(source, destination, from, channels.size(), offsets_of(destination, channels))) {
+        const auto [low, high] = std::minmax_element(from.begin(), from.begin() + channels.size());
+        ChannelOffsets places = from;
+        for (int32_t &place : places) place -= *low;
+        const auto step = static_cast<size_t>(source.PixelSize);
+        const DitherPattern pattern(matrix, width, height, step, places, channels.size());
+        if (!pattern) return false;
+        const size_t count = static_cast<size_t>(width - 1) * step + static_cast<size_t>(*high - *low) + 1;
+        for (int32_t y = 0; y < height; ++y) {
+            const uint8_t *row = walked_row(source, y);
+            uint8_t *target = walked_row(destination, y);
+            if (row == nullptr || target == nullptr) return true;
+            pattern.dither(target + *low, row + *low, y, scale, count);
+        }
+        return true;
+    }
+    const DitherPattern pattern(matrix, width, height, channels.size(), {0, 1, 2, 3}, channels.size());
+    PackedRows rows(source, channels, width, false);
+    PackedRows written(destination, channels, width, false);
+    Buffer<uint8_t> line(static_cast<int64_t>(rows.bytes()));
+    if (!pattern || !rows || !written || !line) return false;
+    for (int32_t y = 0; y < height; ++y) {
+        const uint8_t *row = rows.read(y);
+        if (row == nullptr) return true;
+        pattern.dither(line.get(), row, y, scale, rows.bytes());
+        if (!written.write(y, line.get())) return true;
     }
     return true;
 }
@@ -82,10 +117,10 @@ ImageObject dither_filter(ImageObject image, ImageObject dest, int32_t code, int
     const Channels channels = channels_of(source);
     const DitherMatrix matrix = dither_matrix(code);
     if (matrix.size == 0 || level_count < 2 || level_count > 256) return result.release();
-    const Levels levels(level_count, matrix.size * matrix.size);
+    const kernels::DitherScale scale(level_count, matrix.size * matrix.size);
     if (!rows_may_run(source, destination, channels, source.Width, source.Height) ||
-        !dither_by_rows(source, destination, channels, matrix, levels))
-        dither_plainly(source, destination, channels, matrix, levels);
+        !dither_by_rows(source, destination, channels, matrix, scale))
+        dither_plainly(source, destination, channels, matrix, scale);
     return result.release();
 }
 

@@ -4,6 +4,8 @@
 #include "host/entry_points.h"
 #include "image/bytes.h"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 
@@ -30,10 +32,23 @@ constexpr Table solarize_table = {
     225, 227, 228, 230, 233, 235, 237, 239, 241, 243, 244, 246, 249, 251, 253, 255,
 };
 
+// The last tables that were made: the channels of an image, and the images of a series, mostly have one gamma, and
+// small images take less time than a table.
 Table gamma_table(double gamma) {
-    Table table;
+    struct Made {
+        uint64_t bits;
+        Table table;
+    };
+    static constinit std::array<Made, 4> made = {};
+    static constinit size_t count = 0;
+    const auto bits = std::bit_cast<uint64_t>(gamma);
+    for (size_t i = 0; i < std::min(count, made.size()); ++i)
+        if (made[i].bits == bits) return made[i].table;
+    auto &[made_bits, table] = made[count % made.size()];
+    made_bits = bits;
     for (int i = 0; i < 256; ++i)
         table[static_cast<size_t>(i)] = byte_from(std::pow(i / 255.0, 1.0 / gamma) * 255.0 + 0.5);
+    count = count == 2 * made.size() - 1 ? made.size() : count + 1;
     return table;
 }
 
@@ -87,11 +102,20 @@ ChannelTables tables_by_channel(const ImageRecord &source, const Of &gray, const
     for (Channel channel : alpha == nullptr ? colour_channels_of(source) : channels_of(source)) {
         const Of *of = alpha;
         switch (channel) {
-        case Channel::gray: of = &gray; break;
-        case Channel::red: of = &red; break;
-        case Channel::green: of = &green; break;
-        case Channel::blue: of = &blue; break;
-        case Channel::alpha: break;
+        case Channel::gray:
+            of = &gray;
+            break;
+        case Channel::red:
+            of = &red;
+            break;
+        case Channel::green:
+            of = &green;
+            break;
+        case Channel::blue:
+            of = &blue;
+            break;
+        case Channel::alpha:
+            break;
         }
         // Bytes are compared: 0 and -0 are different gammas.
         if (last != nullptr && std::memcmp(last, of, sizeof(Of)) == 0)
@@ -126,8 +150,8 @@ ImageObject transfer(ImageObject image, ImageObject dest, IntegerArray gray, Int
 } // namespace
 
 ImageObject solarize_filter(ImageObject image, ImageObject dest) {
-    return filter_through_tables(
-        image, dest, [](const ImageRecord &source) { return same_table(source, solarize_table); });
+    return filter_through_tables(image, dest,
+                                 [](const ImageRecord &source) { return same_table(source, solarize_table); });
 }
 
 ImageObject gamma_filter(ImageObject image, ImageObject dest, double value) {
@@ -151,8 +175,8 @@ ImageObject gamma_filter_rgba(ImageObject image, ImageObject dest, double red_ga
 }
 
 ImageObject gain_filter(ImageObject image, ImageObject dest, double gain, double bias) {
-    return filter_through_tables(
-        image, dest, [&](const ImageRecord &source) { return same_table(source, gain_table(gain, bias)); });
+    return filter_through_tables(image, dest,
+                                 [&](const ImageRecord &source) { return same_table(source, gain_table(gain, bias)); });
 }
 
 ImageObject transfer_filter_gray(ImageObject image, ImageObject dest, IntegerArray gray) {

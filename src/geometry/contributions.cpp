@@ -60,15 +60,30 @@ bool is_ordinary(const kernels::ContributionList &list) {
 
 } // namespace
 
+double Contributions::distance(const Candidates &of, int64_t k) const {
+    const double inputs = of.centre - (of.first + static_cast<int32_t>(k)) - 0.5;
+    return scale_ < 1 ? inputs * scale_ : inputs;
+}
+
+bool Contributions::same_distances(const Candidates &a, const Candidates &b) const {
+    for (int64_t k = 0; k < a.count; ++k)
+        if (distance(a, k) != distance(b, k)) return false;
+    return a.count == b.count;
+}
+
 void Contributions::build(int32_t output) {
     if (!weights_) return;
     kernels::ContributionList &list = lists_[static_cast<size_t>(output)];
     double *weights = weights_.get() + (list.weights - weights_.get());
     const Candidates found = candidates(output);
-    for (int64_t k = 0; k < found.count; ++k) {
-        const double distance = found.centre - (found.first + static_cast<int32_t>(k)) - 0.5;
-        weights[k] = scale_ < 1 ? distance * scale_ : distance;
+    if (output != 0 && same_distances(found, candidates(output - 1))) {
+        const kernels::ContributionList &before = lists_[static_cast<size_t>(output - 1)];
+        const int32_t shift = found.first - candidates(output - 1).first;
+        list = before;
+        list.first += shift;
+        return;
     }
+    for (int64_t k = 0; k < found.count; ++k) weights[k] = distance(found, k);
     kernel_.weigh(weights, static_cast<size_t>(found.count));
     const double *end = weights + found.count;
     const double *first = std::find_if(static_cast<const double *>(weights), end, [](double w) { return w != 0; });

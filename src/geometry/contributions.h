@@ -12,7 +12,8 @@ public:
     // Empty lists, one for each of `outputs` pixels made from `inputs`. Where the memory cannot be had they stay empty.
     Contributions(const ScaleKernel &kernel, int32_t outputs, int32_t inputs);
 
-    // Fills the list of an output pixel, in ascending order of input pixels.
+    // Fills the list of an output pixel, in ascending order of input pixels. That of the output before is already
+    // filled.
     void build(int32_t output);
 
     // Whether there is memory for the lists.
@@ -33,6 +34,10 @@ private:
         int64_t count;
     };
     Candidates candidates(int32_t output) const;
+    // Of a candidate, as the filter sees it.
+    double distance(const Candidates &of, int64_t k) const;
+    // Whether their weights are the same, as those of most outputs are when an image shrinks to a whole part.
+    bool same_distances(const Candidates &a, const Candidates &b) const;
 
     const ScaleKernel &kernel_;
     int32_t inputs_;

@@ -18,6 +18,10 @@ const int64_t ring_bytes = (getenv("RB") ? atoi(getenv("RB")) : 256) * 1024;
 constexpr int64_t tile_bytes = 24 * 1024;
 constexpr int32_t output_rows_at_once = 32;
 
+// Rows of the output to be made at a time, and the most rows between the passes that are made ahead for them.
+constexpr int32_t outputs_wanted = 6;
+constexpr int64_t most_rows_between = 32;
+
 // Lanes of columns that stay in the nearest cache, and outputs that are made from them at a time.
 constexpr int32_t cached_lanes = 512;
 constexpr int32_t outputs_at_once = 64;
@@ -91,11 +95,15 @@ JoinedPasses::JoinedPasses(ImageRecord &source, ImageRecord *temp, ImageRecord &
     : source_(source), temp_(temp), carried_(carried), column_lists_(columns.lists()), row_lists_(rows.lists()),
       width_(width), height_(height), channels_(carried.lanes.size()), lanes_(kernels::lanes_for(channels_)),
       writer_(destination, carried), rows_at_once_(static_cast<int32_t>(lanes_ / channels_ * kernels::rows_together)) {
+    // Enough for some rows of the output, which then share what they load.
+    const int64_t shrinking =
+        std::clamp<int64_t>(int64_t{source.Height} * outputs_wanted / height, 1, most_rows_between);
+    rows_between_ = static_cast<int32_t>(rounded_up(shrinking, rows_at_once_));
     int32_t longest_column_list = 0;
     int64_t made = 0; // rows before the output's
     for (int32_t y = 0; y < height; ++y) {
         const kernels::ContributionList &list = row_lists_[y];
-        made = std::max(made, rounded_up(int64_t{last_of(list)} + 1, rows_at_once_));
+        made = std::max(made, rounded_up(int64_t{last_of(list)} + 1, rows_between_));
         ring_rows_ = std::max(ring_rows_, rounded_up(made - list.first, rows_at_once_));
         longest_row_list_ = std::max(longest_row_list_, list.count);
     }
@@ -126,9 +134,9 @@ void JoinedPasses::run() {
         const int32_t end = start + std::min(strip_, width_ - start);
         plan_blocks(start, end);
         int32_t y = 0;
-        for (int64_t row = 0; row < source_.Height && y < height_; row += rows_at_once_) {
-            make_rows(static_cast<int32_t>(row), start, end);
-            const int64_t made = std::min<int64_t>(row + rows_at_once_, source_.Height);
+        for (int64_t row = 0; row < source_.Height && y < height_;) {
+            const int64_t made = std::min<int64_t>(row + rows_between_, source_.Height);
+            for (; row < made; row += rows_at_once_) make_rows(static_cast<int32_t>(row), start, end);
             int32_t ready = y;
             for (; ready < height_ && last_of(row_lists_[ready]) < made; ++ready)
                 ;

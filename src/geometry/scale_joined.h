@@ -71,7 +71,8 @@ private:
     int32_t width_, height_;
     size_t channels_, lanes_;
     LaneWriter writer_;
-    int32_t rows_at_once_; // that the lanes of a column hold
+    int32_t rows_at_once_;     // that the lanes of a column hold
+    int32_t rows_between_ = 0; // that are made before the output rows that they complete
     int64_t ring_rows_ = 0;
     size_t row_size_ = 0; // doubles
     int32_t strip_ = 0;   // output columns

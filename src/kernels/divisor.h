@@ -1,8 +1,6 @@
 // Division by a number that is used often, without dividing.
 #pragma once
 
-#include <cmath>
-
 namespace kzb::kernels {
 
 // A number and its reciprocal in two parts.
@@ -14,7 +12,7 @@ struct Divisor {
 
 inline Divisor divisor_of(double value) {
     const double reciprocal = 1 / value;
-    return {value, reciprocal, std::fma(-value, reciprocal, 1.0) / value};
+    return {value, reciprocal, __builtin_fma(-value, reciprocal, 1.0) / value};
 }
 
 // dividend / divisor.value to the last bit, as long as no step leaves the range of normal numbers. The first estimate

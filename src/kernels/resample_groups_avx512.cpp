@@ -35,7 +35,7 @@ KZB_TARGET_AVX512 inline void interleave(__m512i *units, const RowGroup &group, 
     for (size_t r = 0; r < rows_together; ++r) {
         rows[r] = _mm512_maskz_loadu_epi8(present, group.rows[r] + start);
         const uintptr_t next = reinterpret_cast<uintptr_t>(group.rows[r]) + start + static_cast<uintptr_t>(group.ahead);
-        _mm_prefetch(reinterpret_cast<const char *>(next), _MM_HINT_T1);
+        _mm_prefetch(reinterpret_cast<const char *>(next), _MM_HINT_T0);
     }
     for (size_t r = 0; r < 4; ++r) {
         pairs[r] = _mm512_unpacklo_epi8(rows[2 * r], rows[2 * r + 1]);

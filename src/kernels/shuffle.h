@@ -1,13 +1,13 @@
 // Permutations of pixels in vector registers.
 #pragma once
 
+#include "kernels/avx512.h"
 #include "kernels/permute.h"
 
 #include <algorithm>
 #include <cstring>
 
 #ifdef KZB_X86
-#include <immintrin.h>
 
 namespace kzb::kernels {
 

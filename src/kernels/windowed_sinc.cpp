@@ -4,13 +4,19 @@ namespace kzb::kernels {
 
 namespace {
 
-void windowed_sincs_loop(double *distances, double reach, size_t count) {
+template <bool fused> void windowed_sincs_loop(double *distances, double reach, size_t count) {
     for (size_t i = 0; i < count; i += weights_together)
-        for (size_t k = 0; k < weights_together; ++k) distances[i + k] = windowed_sinc(distances[i + k], reach);
+        for (size_t k = 0; k < weights_together; ++k) distances[i + k] = windowed_sinc<fused>(distances[i + k], reach);
 }
 
 } // namespace
 
-decltype(windowed_sincs) windowed_sincs = compiled<windowed_sincs_loop>();
+#if defined(__x86_64__) || defined(__i386__)
+decltype(windowed_sincs) windowed_sincs =
+    compiled<windowed_sincs_loop<false>, Compiled<windowed_sincs_loop<true>>::avx2,
+             Compiled<windowed_sincs_loop<true>>::avx512>();
+#else
+decltype(windowed_sincs) windowed_sincs = compiled<windowed_sincs_loop<false>>();
+#endif
 
 } // namespace kzb::kernels

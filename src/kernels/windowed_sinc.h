@@ -14,16 +14,16 @@ namespace kzb::kernels {
 inline constexpr size_t weights_together = 8;
 
 // sin(πt) / (πt)
-inline double sinc(double t) {
+template <bool fused = false> inline double sinc(double t) {
     const double angle = std::numbers::pi * t;
-    const double ratio = sine_of(angle, 0).high / angle;
+    const double ratio = sine_of<fused>(angle, 0).high / angle;
     return t == 0 ? 1.0 : ratio;
 }
 
 // sinc(x) sinc(x / reach) for distances below `reach`, which is at most 1000; 0 elsewhere.
-inline double windowed_sinc(double distance, double reach) {
+template <bool fused = false> inline double windowed_sinc(double distance, double reach) {
     const double x = std::abs(distance);
-    const double weight = sinc(x) * sinc(x / reach);
+    const double weight = sinc<fused>(x) * sinc<fused>(x / reach);
     return x < reach ? weight : 0.0;
 }
 

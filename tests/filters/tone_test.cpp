@@ -40,6 +40,17 @@ TEST(SolarizeFilter, FallsToTheMiddleAndRisesAgainInEveryChannel) {
                   point_operation(true, [=](Channel, uint8_t v) { return out[v]; })});
 }
 
+TEST(GammaFilter, EachGammaKeepsItsTableInASeries) {
+    const Image image(1, 1, 11);
+    image.call("FillRect", 77);
+    for (int32_t pass = 0; pass < 3; ++pass)
+        for (int32_t i = 1; i <= 9; ++i) {
+            const double gamma = (i + pass) / 3.0;
+            const Image out(image.call("GammaFilter", nullptr, gamma));
+            EXPECT_EQ(out.row(0)[0], static_cast<int32_t>(std::pow(77 / 255.0, 1 / gamma) * 255 + 0.5)) << gamma;
+        }
+}
+
 TEST(GammaFilter, OneGammaLeavesAlphaAlone) {
     check_filter({[](const Image &source, const Value &dest) { return source.call("GammaFilter", dest, 2.2); },
                   point_operation(false, [](Channel, uint8_t v) { return gamma_of(2.2, v); })});
@@ -54,12 +65,17 @@ TEST(GammaFilter, AlphaGammaActsWhereTheLayoutHasAlpha) {
 
 uint8_t separate_gamma(Channel channel, uint8_t v) {
     switch (channel) {
-    case Channel::red: return gamma_of(3.9, v);
-    case Channel::green: return gamma_of(2.2, v);
-    case Channel::blue: return gamma_of(1.5, v);
+    case Channel::red:
+        return gamma_of(3.9, v);
+    case Channel::green:
+        return gamma_of(2.2, v);
+    case Channel::blue:
+        return gamma_of(1.5, v);
     // (3 * 77 + 2 * 151 + 1 * 28) / 256 in integers
-    case Channel::gray: return gamma_of(2.0, v);
-    case Channel::alpha: return gamma_of(0.4, v);
+    case Channel::gray:
+        return gamma_of(2.0, v);
+    case Channel::alpha:
+        return gamma_of(0.4, v);
     }
     return 0;
 }
@@ -131,8 +147,8 @@ TEST(TransferFilter, EachChannelHasItsOwnTableAndGrayTakesGreen) {
     const auto red = numbers(256, 3, 7), green = numbers(256, -1, 255), blue = numbers(256, 5, -9);
     const auto alpha = numbers(256, 11, 2);
     const auto rule = [=](Channel channel, uint8_t v) {
-        const auto &table = channel == Channel::red    ? red
-                            : channel == Channel::blue ? blue
+        const auto &table = channel == Channel::red     ? red
+                            : channel == Channel::blue  ? blue
                             : channel == Channel::alpha ? alpha
                                                         : green;
         return static_cast<uint8_t>(table[v]);
@@ -239,7 +255,9 @@ void expect_levelled(std::vector<int32_t> arguments, std::vector<int32_t> rectan
     EXPECT_EQ(difference(image, expected), "");
 }
 
-TEST(AutoLevel, ANegativeSizeReachesBack) { expect_levelled({10, 10, -5, -5}, {5, 5, 5, 5}); }
+TEST(AutoLevel, ANegativeSizeReachesBack) {
+    expect_levelled({10, 10, -5, -5}, {5, 5, 5, 5});
+}
 
 TEST(AutoLevel, TheRectangleIsCutToTheImage) {
     expect_levelled({-4, -3, 20, 10}, {0, 0, 16, 7});
