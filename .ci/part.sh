@@ -10,7 +10,8 @@ fetch_libraries() {
     say "Fetching the libraries for $1 ..."
     .ci/foreign_libraries.sh "$1" "build-foreign/$1" \
         libffi-dev libffi8 libpixman-1-dev libpixman-1-0 libpng-dev libpng16-16 libjpeg62-turbo-dev libjpeg62-turbo \
-        libwebp-dev libwebp7 libwebpmux3 libwebpdemux2 libtiff-dev libtiff6 libdeflate0 libjbig0 liblzma5 libzstd1 liblerc4 \
+        libwebp-dev libwebp7 libwebpmux3 libwebpdemux2 libtiff-dev libtiff6 libdeflate-dev libdeflate0 \
+        libjbig0 liblzma-dev liblzma5 libzstd-dev libzstd1 liblerc4 \
         zlib1g-dev zlib1g libgtest-dev "${@:2}" || complain "the libraries for $1 could not be fetched"
 }
 

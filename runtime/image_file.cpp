@@ -33,6 +33,10 @@ bool lists(std::string_view list, std::string_view word, char begin, char end) {
     return false;
 }
 
+bool is_stream(std::string_view path) {
+    return path == "-" || path.ends_with(":-");
+}
+
 struct Mark {
     const char *format;
     std::unique_ptr<ImageReader> (*make_reader)(ImageSource &);
@@ -94,7 +98,7 @@ const ImageKind *checked_kind(const char *path, const kzb_write_options *options
     }
     const ImageKind *kind = kind_to_write(path);
     if (kind) return kind;
-    const bool stream = std::string_view(path).ends_with(":-");
+    const bool stream = is_stream(path);
     fail(error, KZB_ERROR_USAGE,
          stream ? "%s: before ':-' stands the kind of file to write: png, jpg, webp, tif, pnm or ppm"
                 : "%s: the name must end in .png, .jpg, .webp, .tif, .pnm or .ppm, which tells the kind of file to "
@@ -135,8 +139,9 @@ bool ImageFileReader::start() {
 }
 
 ImageFileWriter::ImageFileWriter(const char *path, const ImageKind &kind, int quality, bool lossless)
-    : output(std::string_view(path).ends_with(":-") || std::strcmp(path, "-") == 0 ? "" : path, kind.seeks),
-      target{path, output, quality, lossless, write_failure}, writer(kind.make_writer(target)) {}
+    : output(is_stream(path) ? "" : path, kind.seeks), target{is_stream(path) ? "standard output" : path, output,
+                                                              quality, lossless, write_failure},
+      writer(kind.make_writer(target)) {}
 
 bool ImageFileWriter::start(const ImageShape &shape) {
     if (output.error()) return target.fail_encoding("");

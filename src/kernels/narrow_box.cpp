@@ -1,8 +1,6 @@
 #include "kernels/narrow_box.h"
 
-#if defined(__x86_64__) || defined(__i386__)
-#include <immintrin.h>
-#endif
+#include "kernels/avx512.h"
 
 namespace kzb::kernels {
 

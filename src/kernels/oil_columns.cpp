@@ -109,7 +109,7 @@ KZB_TARGET_AVX512 inline void fullest_means_of(uint8_t *target, const OilColumns
             __m512i best = window[0];
             for (size_t k = 1; k < parts; ++k) best = _mm512_max_epu8(best, window[k]);
             best = greatest_everywhere(best);
-            uint64_t bin = 0;
+            size_t bin = 0;
             for (size_t k = parts; k-- > 0;) {
                 const uint64_t places = _mm512_cmpeq_epi8_mask(window[k], best);
                 bin = places != 0 ? block * k + static_cast<size_t>(std::countr_zero(places)) : bin;

@@ -1,11 +1,9 @@
 #include "kernels/sharpen.h"
 
+#include "kernels/avx512.h"
+
 #include <algorithm>
 #include <cmath>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <immintrin.h>
-#endif
 
 namespace kzb::kernels {
 

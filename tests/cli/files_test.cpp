@@ -110,8 +110,9 @@ TEST_F(Files, MayBeStandardInputAndOutput) {
 }
 
 TEST_F(Files, StreamsThatFailAreFailures) {
-    expect_failure(shell("$K alpha.png -o - >/dev/full"), 4, {"-: cannot be written", "No space left"});
-    expect_failure(shell("$K alpha.png -o tif:- >/dev/full"), 4, {"tif:-: cannot be written", "No space left"});
+    expect_failure(shell("$K alpha.png -o - >/dev/full"), 4, {"standard output: cannot be written", "No space left"});
+    expect_failure(shell("$K alpha.png -o tif:- >/dev/full"), 4,
+                   {"standard output: cannot be written", "No space left"});
     expect_failure(shell("head -c 60 alpha.png | $K - -o a.png"), 3, {"standard input: the PNG file ends too early"});
     expect_failure(shell("$K - -o a.png </dev/null"), 3, {"standard input: the file is empty"});
     expect_failure(run({"plain.png", "-o", "gif:-"}), 2, {"gif:-", "png, jpg, webp, tif, pnm or ppm"});
