@@ -19,7 +19,8 @@ public:
           from_step_(static_cast<size_t>(source.PixelSize)), to_step_(static_cast<size_t>(destination.PixelSize)),
           tables_(tables), first_(*std::min_element(from_.begin(), from_.begin() + tables.channels.size())) {
         std::array<const uint8_t *, 4> by_place = {};
-        bool same_places = from_step_ == to_step_;
+        // The working layout of scaling has wider pixels, and no channels.
+        bool same_places = from_step_ == to_step_ && from_step_ <= by_place.size();
         for (size_t i = 0; i < tables.channels.size(); ++i) {
             const auto place = static_cast<size_t>(from_[i] - first_);
             same_places = same_places && from_[i] == to_[i] && place < std::min<size_t>(from_step_, 4);
