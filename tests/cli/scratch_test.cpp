@@ -249,8 +249,9 @@ TEST_F(Scratch, ProgressIsShownOnATerminalOnly) {
     EXPECT_EQ(run(words).err, "");
     words.push_back("--quiet");
     EXPECT_EQ(shown_on_terminal(path(""), words), "");
+    // Large enough for a bar on any machine.
     const std::string many = shown_on_terminal(path(""), {"plain.png", "alpha.png", "-j", "2", "-o", "out/{stem}.png",
-                                                          ":", "Scale", "ScaleLanczos8", "3000", "2000"});
+                                                          ":", "Scale", "ScaleLanczos8", "6000", "4000"});
     EXPECT_NE(many.find(" of 2 pictures"), std::string::npos) << many;
 }
 
