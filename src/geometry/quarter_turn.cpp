@@ -6,8 +6,6 @@
 #include "kernels/moves.h"
 #include "kernels/transpose.h"
 
-#include <cstdlib>
-
 namespace kzb {
 
 namespace {
@@ -15,9 +13,11 @@ namespace {
 enum class Turn { counter_clockwise, clockwise };
 enum class Order { rows, tiles };
 
-// Bytes of a row of the squares in which pixels are turned: a line of the nearest cache, so that it is used up while it
-// is there.
-constexpr int64_t cached_bytes = 64;
+// The edge of the squares in which pixels are turned, so that the lines of both sides are used up while they are in the
+// nearest cache.
+constexpr int64_t cached_edge(ptrdiff_t step) {
+    return step == 1 || step == -1 ? 64 : 32;
+}
 
 // Moves single pixels, in the order of the calls.
 class PixelMover {
@@ -75,7 +75,7 @@ void turn_grid(const kernels::Grid<uint8_t> &target, const kernels::Grid<const u
         grid.first += row * grid.row_step + column * grid.column_step + offset;
         return grid;
     };
-    const int64_t edge = cached_bytes / std::min<int64_t>(std::abs(target.column_step), 4);
+    const int64_t edge = cached_edge(target.column_step);
     for (int64_t row = 0; row < rows; row += edge) {
         for (int64_t column = 0; column < columns; column += edge) {
             const auto height = static_cast<size_t>(std::min(edge, rows - row));

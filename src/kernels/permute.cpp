@@ -55,6 +55,9 @@ KZB_TARGET_AVX512 void permute_avx512(uint8_t *target, const uint8_t *source, co
     const size_t n = shuffle.pixels, to_step = permutation.to_step, from_step = permutation.from_step;
     const auto step = permutation.reversed ? -static_cast<ptrdiff_t>(from_step) : static_cast<ptrdiff_t>(from_step);
     if (permutation.reversed) source -= (n - 1) * from_step;
+    // Where whole pixels are written, what a register holds beyond them is overwritten by the next one.
+    const bool gapless = shuffle.written_mask == lowest_bits(n * to_step);
+    const uint64_t stored = gapless ? ~uint64_t{0} : shuffle.written_mask;
     for (size_t done = 0; done < count; done += n) {
         const size_t left = count - done;
         const uint8_t *from = source + static_cast<ptrdiff_t>(done) * step;
@@ -64,7 +67,7 @@ KZB_TARGET_AVX512 void permute_avx512(uint8_t *target, const uint8_t *source, co
         if (left > n && (left - 1) * to_step >= 63 && beside * from_step >= 63) {
             // Processors foresee less of a row that is read downwards.
             if (permutation.reversed) _mm_prefetch(reinterpret_cast<const char *>(from - 1024), _MM_HINT_T0);
-            store_over(to, shuffle.written_mask, shuffle(_mm512_loadu_si512(from)));
+            store_over(to, stored, shuffle(_mm512_loadu_si512(from)));
         } else {
             const size_t pixels = std::min(left, n);
             const uint64_t read =

@@ -69,7 +69,10 @@ KZB_TARGET_AVX512 void weigh_avx512(uint8_t *target, const uint8_t *source, cons
     const uint64_t read = red_green.read_mask | blue.read_mask | alpha.read_mask;
     while (count != 0) {
         const size_t n = std::min<size_t>(count, 16);
-        const __m512i pixels = _mm512_maskz_loadu_epi8(read & lowest_bits(n * weighing.from_step), source);
+        // A register up to the first byte of the last pixel lies in the row.
+        const bool inside = (count - 1) * weighing.from_step >= 63;
+        const __m512i pixels = inside ? _mm512_loadu_si512(source)
+                                      : _mm512_maskz_loadu_epi8(read & lowest_bits(n * weighing.from_step), source);
         const __m512i sums = _mm512_add_epi32(
             _mm512_madd_epi16(_mm512_maskz_permutexvar_epi8(red_green.written_mask, red_green.index, pixels),
                               _mm512_set1_epi32(red_and_green)),
