@@ -16,6 +16,8 @@ import re
 import subprocess
 import sys
 
+from explanations import read_explained
+
 ROOT = os.getcwd() + "/"
 
 
@@ -80,22 +82,6 @@ def read_branches(path):
             branches[place + ("true",)] += taken
             branches[place + ("false",)] += not_taken
     return branches
-
-
-def read_explained(path):
-    """Keys "file: function: condition: never side" -> reason."""
-    explained, key = {}, None
-    with open(path, encoding="utf-8") as listed:
-        for line in listed:
-            line = line.rstrip()
-            if not line or line.startswith("#"):
-                continue
-            if not line.startswith(" "):
-                key = line
-                explained[key] = ""
-            else:
-                explained[key] = (explained[key] + " " + line.strip()).strip()
-    return explained
 
 
 def main():

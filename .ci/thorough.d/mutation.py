@@ -26,6 +26,8 @@ import sys
 import tempfile
 import time
 
+from explanations import read_explained
+
 FOLDER = os.path.realpath("build-mutation")
 TREE = FOLDER + "/tree"
 BUILD = FOLDER + "/build"
@@ -275,21 +277,6 @@ def place_file(path, content):
                 return
     with open(path, "wb") as target:
         target.write(content)
-
-
-def read_explained(path):
-    explained, key = {}, None
-    with open(path, encoding="utf-8") as listed:
-        for line in listed:
-            line = line.rstrip()
-            if not line or line.startswith("#"):
-                continue
-            if not line.startswith(" "):
-                key = line
-                explained[key] = ""
-            else:
-                explained[key] = (explained[key] + " " + line.strip()).strip()
-    return explained
 
 
 def main():

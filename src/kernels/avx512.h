@@ -1,7 +1,9 @@
 // The processor's vector functions, for row functions that are written by hand.
 #pragma once
 
-#if defined(__x86_64__) || defined(__i386__)
+#include "kernels/level.h"
+
+#ifdef KZB_X86
 
 #include <immintrin.h>
 

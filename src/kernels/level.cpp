@@ -23,7 +23,7 @@ Level choose() {
 } // namespace
 
 bool runs(Level level) {
-#if defined(__x86_64__) || defined(__i386__)
+#ifdef KZB_X86
     __builtin_cpu_init();
     const bool avx2 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
                       __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2");

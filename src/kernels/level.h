@@ -4,6 +4,10 @@
 #include <array>
 #include <cstddef>
 
+#if defined(__x86_64__) || defined(__i386__)
+#define KZB_X86 1
+#endif
+
 namespace kzb::kernels {
 
 // Each includes those before it. avx2: with FMA, BMI and BMI2. avx512: F, BW, CD, DQ, VL and the byte permutes of VBMI.

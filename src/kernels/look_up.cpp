@@ -23,11 +23,6 @@ void look_up_plainly(uint8_t *target, size_t target_step, const uint8_t *source,
     for (; count != 0; --count, target += target_step, source += source_step) *target = table[*source];
 }
 
-void look_up_pairs_plainly(uint8_t *target, size_t target_step, const uint8_t *source, size_t source_step,
-                           const uint8_t *table, size_t count) {
-    for (; count != 0; --count, target += target_step, source += source_step) *target = table[*target * 256 + *source];
-}
-
 void look_up_pixels_plainly(uint8_t *target, const uint8_t *source, const PixelTables &tables, size_t count) {
     const size_t step = tables.step();
     for (size_t k = 0; k < step; ++k)
@@ -162,6 +157,5 @@ decltype(look_up_pixels) look_up_pixels =
 #else
 decltype(look_up_pixels) look_up_pixels = compiled<look_up_pixels_plainly>();
 #endif
-decltype(look_up_pairs) look_up_pairs = compiled<look_up_pairs_plainly>();
 
 } // namespace kzb::kernels

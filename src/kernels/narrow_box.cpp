@@ -73,7 +73,7 @@ void average_differences_plainly(uint8_t *__restrict means, const uint16_t *afte
     });
 }
 
-#if defined(__x86_64__) || defined(__i386__)
+#ifdef KZB_X86
 
 // A plain loop adds pixel by pixel. Here the pixels of a register are summed up in a few steps of twice the distance,
 // and the register before adds its last pixel: 1.2 against 4.0 ns for 16 bytes.

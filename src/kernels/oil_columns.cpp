@@ -77,7 +77,7 @@ void fullest_means_plainly(uint8_t *target, const OilColumns &columns, int32_t f
     }
 }
 
-#if defined(__x86_64__) || defined(__i386__)
+#ifdef KZB_X86
 
 // The greatest of 64 bytes.
 KZB_TARGET_AVX512 inline __m512i greatest_everywhere(__m512i bytes) {

@@ -11,7 +11,7 @@ constexpr auto mean_baseline = mean_of_rows_loop<16, false>;
 
 } // namespace
 
-#if defined(__x86_64__) || defined(__i386__)
+#ifdef KZB_X86
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include "kernels/avx512.h"
 #include "kernels/resample_groups_loops.h"
 
-#if defined(__x86_64__) || defined(__i386__)
+#ifdef KZB_X86
 
 namespace kzb::kernels {
 

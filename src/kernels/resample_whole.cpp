@@ -37,7 +37,7 @@ void average_sums_loop(uint8_t *bytes, const uint16_t *const *rows, size_t row_c
     }
 }
 
-#if defined(__x86_64__) || defined(__i386__)
+#ifdef KZB_X86
 
 // Byte permutes pick 64 bytes at once from a window of two registers.
 KZB_TARGET_AVX512 void sum_picks_avx512(uint16_t *sums, const uint8_t *row, const Picks *entries,
@@ -68,7 +68,7 @@ KZB_TARGET_AVX512 void sum_picks_avx512(uint16_t *sums, const uint8_t *row, cons
 
 } // namespace
 
-#if defined(__x86_64__) || defined(__i386__)
+#ifdef KZB_X86
 decltype(sum_picks) sum_picks = compiled<sum_picks_plainly, Compiled<sum_picks_plainly>::avx2, sum_picks_avx512>();
 #else
 decltype(sum_picks) sum_picks = compiled<sum_picks_plainly>();

@@ -5,8 +5,7 @@
 
 #include <type_traits>
 
-#if defined(__x86_64__) || defined(__i386__)
-#define KZB_X86 1
+#ifdef KZB_X86
 #define KZB_TARGET_AVX2 [[gnu::target("avx2,fma,bmi,bmi2")]]
 #define KZB_TARGET_AVX512 [[gnu::target("avx2,fma,bmi,bmi2,avx512f,avx512bw,avx512cd,avx512dq,avx512vl,avx512vbmi")]]
 #else

@@ -79,7 +79,7 @@ void take_stairs_plainly(uint8_t *target, const uint8_t *first_row, ptrdiff_t ro
     }
 }
 
-#if defined(__x86_64__) || defined(__i386__)
+#ifdef KZB_X86
 
 // A stretch of 64 bytes under a mask from each of its few rows, instead of a pixel at a time.
 KZB_TARGET_AVX512 void take_stairs_avx512(uint8_t *target, const uint8_t *first_row, ptrdiff_t row_step,

@@ -11,7 +11,7 @@ template <bool fused> void windowed_sincs_loop(double *distances, double reach, 
 
 } // namespace
 
-#if defined(__x86_64__) || defined(__i386__)
+#ifdef KZB_X86
 decltype(windowed_sincs) windowed_sincs =
     compiled<windowed_sincs_loop<false>, Compiled<windowed_sincs_loop<true>>::avx2,
              Compiled<windowed_sincs_loop<true>>::avx512>();

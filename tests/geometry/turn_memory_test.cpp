@@ -1,20 +1,11 @@
 // Mirrors and rotations when memory is short: the module asks this program for it.
 
+#include "fixtures/scarce_memory.h"
 #include "fixtures/storages.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <set>
-
-namespace {
-int requests = 0; // made so far
-int denied = 0;   // the one that fails, counted from 1
-} // namespace
-
-extern "C" [[gnu::visibility("default")]] void *__wrap_calloc(size_t count, size_t size) {
-    return ++requests == denied ? nullptr : std::calloc(count, size);
-}
 
 namespace kzb::test {
 namespace {

@@ -1,6 +1,7 @@
 // Weighted sums of bytes at every level that runs here, against each byte's own sum.
 
 #include "kernels/convolve.h"
+#include "kernels/each_level.h"
 
 #include <gtest/gtest.h>
 
@@ -62,14 +63,7 @@ private:
     std::mt19937 engine_{1};
 };
 
-std::vector<Level> levels() {
-    std::vector<Level> found;
-    for (Level level : {Level::baseline, Level::avx2, Level::avx512})
-        if (runs(level)) found.push_back(level);
-    return found;
-}
-
-INSTANTIATE_TEST_SUITE_P(Levels, Convolve, testing::ValuesIn(levels()),
+INSTANTIATE_TEST_SUITE_P(Levels, Convolve, testing::ValuesIn(running_levels()),
                          [](const auto &tested) { return std::string(name_of(tested.param)); });
 
 TEST_P(Convolve, EachByteIsTheRoundedSumOfItsTaps) {

@@ -11,9 +11,15 @@
 
 namespace kzb::kernels {
 
+inline std::vector<Level> running_levels() {
+    std::vector<Level> levels;
+    for (Level level : {Level::baseline, Level::avx2, Level::avx512})
+        if (runs(level)) levels.push_back(level);
+    return levels;
+}
+
 template <class Check> void for_each_level(Check check) {
-    for (Level level : {Level::baseline, Level::avx2, Level::avx512}) {
-        if (!runs(level)) continue;
+    for (Level level : running_levels()) {
         SCOPED_TRACE(name_of(level));
         check(level);
         if (testing::Test::HasFatalFailure()) return;

@@ -1,5 +1,6 @@
 // The row functions over eight rows at a time, bit for bit against each pixel's own sum, at every level that runs here.
 
+#include "kernels/each_level.h"
 #include "kernels/resample_groups.h"
 #include "kernels/windowed_sinc.h"
 
@@ -13,13 +14,6 @@ namespace kzb::kernels {
 namespace {
 
 constexpr size_t together = rows_together;
-
-std::vector<Level> levels() {
-    std::vector<Level> found;
-    for (Level level : {Level::baseline, Level::avx2, Level::avx512})
-        if (runs(level)) found.push_back(level);
-    return found;
-}
 
 class ResampleGroups : public testing::TestWithParam<Level> {
 protected:
@@ -46,7 +40,7 @@ private:
     std::vector<std::vector<double>> weights_;
 };
 
-INSTANTIATE_TEST_SUITE_P(Levels, ResampleGroups, testing::ValuesIn(levels()),
+INSTANTIATE_TEST_SUITE_P(Levels, ResampleGroups, testing::ValuesIn(running_levels()),
                          [](const auto &tested) { return std::string(name_of(tested.param)); });
 
 TEST_P(ResampleGroups, ColumnsAreTheRowsBytesSideBySide) {

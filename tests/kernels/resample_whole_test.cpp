@@ -1,5 +1,6 @@
 // Sums of equally weighted pixels at every level that runs here.
 
+#include "kernels/each_level.h"
 #include "kernels/resample_whole.h"
 
 #include <gtest/gtest.h>
@@ -18,14 +19,7 @@ private:
     std::mt19937 engine_{1};
 };
 
-std::vector<Level> levels() {
-    std::vector<Level> found;
-    for (Level level : {Level::baseline, Level::avx2, Level::avx512})
-        if (runs(level)) found.push_back(level);
-    return found;
-}
-
-INSTANTIATE_TEST_SUITE_P(Levels, ResampleWhole, testing::ValuesIn(levels()),
+INSTANTIATE_TEST_SUITE_P(Levels, ResampleWhole, testing::ValuesIn(running_levels()),
                          [](const auto &tested) { return std::string(name_of(tested.param)); });
 
 TEST_P(ResampleWhole, PicksAreAddedUp) {
