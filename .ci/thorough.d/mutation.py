@@ -3,7 +3,7 @@
 Works on a copy of the tree in build-mutation/, so that nothing here changes. Each mutant is built and run through the
 tests, those of its own family first; a test that fails, crashes or does not end catches it. What no test catches is
 printed as a difference, unless mutation.txt says why it behaves as the original does. Exits with 1 when there is such a
-one.
+one. Functions for instruction sets that this processor lacks are left alone.
 
     src/folder/file.cpp: line as it is -> line as changed
         reason
@@ -27,6 +27,7 @@ import tempfile
 import time
 
 from explanations import read_explained
+from processor import foreign_functions, missing_targets
 
 FOLDER = os.path.realpath("build-mutation")
 TREE = FOLDER + "/tree"
@@ -43,13 +44,18 @@ SWAPS = {
     "&": ["|"], "|": ["&"], "^": ["&"], "&&": ["||"], "||": ["&&"], "+=": ["-="], "-=": ["+="],
 }  # fmt: skip
 
+MISSING_TARGETS = missing_targets()
+
 Mutant = collections.namedtuple("Mutant", "file start end new kind")
 
 
 def masked(text):
-    """The text with comments, strings, directives and compile-time statements blanked."""
+    """The text with comments, strings, directives, compile-time statements and what cannot run here blanked."""
     blanked = r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])+\'|^#[^\n]*|static_assert\(.*?;|template <[^\n]*'
-    return re.sub(blanked, lambda found: re.sub(r"[^\n]", "~", found[0]), text, flags=re.S | re.M)
+    code = re.sub(blanked, lambda found: re.sub(r"[^\n]", "~", found[0]), text, flags=re.S | re.M)
+    for start, end in foreign_functions(text, MISSING_TARGETS):
+        code = code[:start] + re.sub(r"[^\n]", "~", code[start:end]) + code[end:]
+    return code
 
 
 def condition_end(code, start):

@@ -67,10 +67,14 @@ void change_rectangle(ImageRecord &image, const Rectangle &area, const Changes &
     }
     const int64_t first = static_cast<int64_t>(area.columns.start) * image.PixelSize + *low;
     const size_t count = static_cast<size_t>(area.columns.length - 1) * step + static_cast<size_t>(*high - *low) + 1;
+    const bool nothing_kept = keep == kernels::Lanes{};
     for_each_row(image, area.rows, [&](int32_t y) {
         uint8_t *row = walked_row(image, y);
         if (row == nullptr) return false;
-        kernels::change_lanes(row + first, count, keep, flip);
+        if (nothing_kept)
+            kernels::set_lanes(row + first, count, flip);
+        else
+            kernels::change_lanes(row + first, count, keep, flip);
         return true;
     });
 }

@@ -47,6 +47,8 @@ protected:
         const pid_t process = fork();
         if (process == 0) {
             setpgid(0, 0);
+            // Whoever runs the tests in the background may have had them ignored.
+            for (const int ends : {SIGINT, SIGTERM, SIGHUP}) signal(ends, SIG_DFL);
             const int nowhere = open("/dev/null", O_WRONLY);
             dup2(nowhere, 2);
             if (chdir(path("").c_str()) == 0) execv(KZB_COMMAND, arguments.data());

@@ -40,7 +40,7 @@ TEST(Mirrors, MoveTheChannelsOfEveryLayoutInEveryStorage) {
     for (const Operation &operation : operations)
         for (const Layout &of : layouts())
             for (Storage storage : every_storage)
-                for (Size size : {Size{1, 1}, {2, 1}, {1, 3}, {3, 3}, {4, 2}, {5, 7}, {33, 5}, {70, 4}}) {
+                for (Size size : {Size{1, 1}, {2, 1}, {1, 3}, {3, 3}, {4, 2}, {5, 7}, {33, 5}, {70, 4}, {131, 2}}) {
                     const auto image = make_image(storage, size.width, size.height, of.code, ++seed);
                     if (!image) continue;
                     check(operation, *image, std::string(of.name) + " in " + name_of(storage));
@@ -174,6 +174,37 @@ TEST(VMirror, OfRowsThatTheirCallerLaidOverEachOtherWritesTheUpperOneFirst) {
         std::copy(upper.begin(), upper.end(), rows.bytes.begin() + (5 - y) * 5);
     }
     EXPECT_EQ(rows.memory.bytes(), rows.bytes);
+}
+
+// Rows whose pixels end at the next row's first byte, and one byte beyond it.
+TEST(Mirrors, OfRowsThatTouchAndThatLieOneByteOverEachOther) {
+    for (const Operation &operation : operations)
+        for (int32_t row_size : {12, 11})
+            for (int32_t height : {2, 4, 5}) {
+                SCOPED_TRACE(std::string(operation.name) + ", " + std::to_string(row_size) + " bytes a row");
+                Bytes expected = random_bytes(64, 9);
+                const Value memory = block_of(expected);
+                const Image image(Object::make("PictureKZB", memory, 4, height, 1, row_size));
+                const auto row = [&](int32_t y) {
+                    const auto first = expected.begin() + y * row_size;
+                    Bytes bytes(first, first + 12);
+                    return bytes;
+                };
+                const auto put = [&](int32_t y, const Bytes &pixels, bool reversed) {
+                    for (int32_t i = 0; i < 12; ++i)
+                        expected[static_cast<size_t>(y * row_size + i)] =
+                            pixels[static_cast<size_t>(reversed ? 9 - i / 3 * 3 + i % 3 : i)];
+                };
+                const std::string name = operation.name;
+                for (int32_t y = 0; y < (name == "HMirror" ? height : height / 2); ++y) {
+                    const int32_t opposite = name == "HMirror" ? y : height - 1 - y;
+                    const Bytes upper = row(y), lower = row(opposite);
+                    put(y, lower, name != "VMirror");
+                    put(opposite, upper, name != "VMirror");
+                }
+                image.call(operation.name);
+                EXPECT_EQ(memory.bytes(), expected);
+            }
 }
 
 } // namespace

@@ -25,24 +25,29 @@ protected:
     }
 };
 
-TEST_F(TurnsShortOfMemory, AMirrorWithoutMemoryForBothRowsChangesNothing) {
+TEST_F(TurnsShortOfMemory, AMirrorOfRowsThatLieOverEachOtherWithoutMemoryForBothChangesNothing) {
     for (const char *method : {"VMirror", "Rotate180"}) {
-        const Image image = *make_image(Storage::memory, 5, 4, 2, 1);
-        const Bytes before = storage_of(image);
+        const Value memory = block_of(random_bytes(64, 1));
+        const Image image(Object::make("PictureKZB", memory, 4, 6, 1, 5));
+        const Bytes before = memory.bytes();
         for (int request : {1, 2}) {
             call(request, image, method);
-            EXPECT_EQ(storage_of(image), before) << method;
+            EXPECT_EQ(memory.bytes(), before) << method;
         }
         call(0, image, method);
         EXPECT_EQ(requests, 2);
-        EXPECT_NE(storage_of(image), before);
+        EXPECT_NE(memory.bytes(), before);
     }
 }
 
-TEST_F(TurnsShortOfMemory, HMirrorNeedsNone) {
+TEST_F(TurnsShortOfMemory, OtherMirrorsNeedNone) {
     const Image image = *make_image(Storage::memory, 5, 4, 2, 1);
-    call(0, image, "HMirror");
-    EXPECT_EQ(requests, 0);
+    for (const char *method : {"HMirror", "VMirror"}) {
+        const Bytes before = storage_of(image);
+        call(1, image, method);
+        EXPECT_EQ(requests, 0) << method;
+        EXPECT_NE(storage_of(image), before) << method;
+    }
 }
 
 TEST_F(TurnsShortOfMemory, ARotationImageByImageWithoutMemoryForOneOrItsShiftsGivesNilAndForRowsTheSameBytes) {
