@@ -30,7 +30,8 @@ static struct Data *data_of(KZBObject object) {
 #define UNCHECKED __attribute__((no_sanitize("undefined"), no_sanitize("address")))
 
 static __attribute__((unused)) UNCHECKED void crash(void) {
-    *(volatile int *)0 = 1;
+    volatile int *volatile nowhere = 0;
+    *nowhere = 1;
 }
 
 static UNCHECKED void destructor(KZBObject object) {
