@@ -89,6 +89,7 @@ nlohmann::json levels_section(const Section &section, const std::string &program
                        {"baseline", 8},
                        {"avx2", 8},
                        {"avx512", 8},
+                       {"avx512vbmi", 10},
                        {"not slower", -10}},
                       section.style);
     std::cout << '\n' << table.heading() << '\n';

@@ -14,7 +14,7 @@ def instruction_sets():
 def missing_targets():
     """The macros before functions that cannot run here: those of row_function.h that ask for more than there is."""
     with open("src/kernels/row_function.h", encoding="utf-8") as header:
-        defined = re.findall(r'^#define (KZB_TARGET_\w+) .*?\("([^"]*)"\)', header.read(), re.M)
+        defined = re.findall(r'^#define (KZB_TARGET_\w+) (?:.|\\\n)*?\("([^"]*)"\)', header.read(), re.M)
     present = instruction_sets()
     return [macro for macro, needed in defined if not set(needed.split(",")) <= present]
 
@@ -31,7 +31,7 @@ def matching_brace(text, start):
 def foreign_functions(text, targets):
     """Where the functions are that need one of these targets: (start, end) in the text."""
     found = []
-    for macro in re.finditer(r"\b(" + "|".join(targets or ["(?!)"]) + r")\b(?! \[)", text):
+    for macro in re.finditer(r"\b(" + "|".join(targets or ["(?!)"]) + r")\b(?![ \\\n]*\[\[gnu::target)", text):
         body = re.compile(r"\) (?:const )?(?:: [^{;]*)?(?:\w+\{[^{}]*\}, )*\{").search(text, macro.end())
         if body and ";" not in text[macro.end() : body.start()]:
             found.append((macro.start(), matching_brace(text, body.end() - 1) + 1))

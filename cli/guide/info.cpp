@@ -79,7 +79,7 @@ std::string info_text(const LoadedModule &loaded, const std::string &instruction
     std::string text = "kzb " KZB_VERSION ", module " + loaded.path + "\n";
     if (!instructions.empty()) {
         text += "instruction set: " + instructions + "; KZB_ISA in the environment chooses another of:";
-        for (const kernels::Level level : {kernels::Level::baseline, kernels::Level::avx2, kernels::Level::avx512})
+        for (const kernels::Level level : kernels::every_level)
             if (kernels::runs(level)) text += std::string(" ") + kernels::name_of(level);
         text += "\n";
     }

@@ -4,7 +4,6 @@
 #include "image/storage.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 namespace kzb {
@@ -12,7 +11,7 @@ namespace kzb {
 namespace {
 
 // What the rows between the passes may take of the processor's second cache.
-const int64_t ring_bytes = (getenv("RB") ? atoi(getenv("RB")) : 256) * 1024;
+constexpr int64_t ring_bytes = 256 * 1024;
 
 // What of them one tile of the output is made from, in the nearest cache, for so many of its rows.
 constexpr int64_t tile_bytes = 24 * 1024;

@@ -7,17 +7,15 @@ namespace kzb::kernels {
 
 namespace {
 
-Level highest() {
-    for (Level level : {Level::avx512, Level::avx2})
-        if (runs(level)) return level;
-    return Level::baseline;
-}
-
 Level choose() {
     const char *named = std::getenv("KZB_ISA");
-    for (Level level : {Level::baseline, Level::avx2, Level::avx512})
-        if (named != nullptr && std::strcmp(named, name_of(level)) == 0 && runs(level)) return level;
-    return highest();
+    Level highest = Level::baseline;
+    for (Level level : every_level) {
+        if (!runs(level)) continue;
+        if (named != nullptr && std::strcmp(named, name_of(level)) == 0) return level;
+        highest = level;
+    }
+    return highest;
 }
 
 } // namespace
@@ -29,8 +27,18 @@ bool runs(Level level) {
                       __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2");
     const bool avx512 = avx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
                         __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512dq") &&
-                        __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi");
-    return level == Level::baseline || (level == Level::avx2 ? avx2 : avx512);
+                        __builtin_cpu_supports("avx512vl");
+    switch (level) {
+    case Level::baseline:
+        return true;
+    case Level::avx2:
+        return avx2;
+    case Level::avx512:
+        return avx512;
+    case Level::avx512vbmi:
+        return avx512 && __builtin_cpu_supports("avx512vbmi");
+    }
+    return false;
 #else
     return level == Level::baseline;
 #endif

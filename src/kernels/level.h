@@ -10,10 +10,13 @@
 
 namespace kzb::kernels {
 
-// Each includes those before it. avx2: with FMA, BMI and BMI2. avx512: F, BW, CD, DQ, VL and the byte permutes of VBMI.
-enum class Level { baseline, avx2, avx512 };
+// Each includes those before it. avx2: with FMA, BMI and BMI2. avx512: F, BW, CD, DQ and VL. avx512vbmi: with the byte
+// permutes of VBMI.
+enum class Level { baseline, avx2, avx512, avx512vbmi };
 
-inline constexpr std::array<const char *, 3> level_names = {"baseline", "avx2", "avx512"};
+inline constexpr std::array every_level = {Level::baseline, Level::avx2, Level::avx512, Level::avx512vbmi};
+inline constexpr std::array<const char *, every_level.size()> level_names = {"baseline", "avx2", "avx512",
+                                                                             "avx512vbmi"};
 
 constexpr const char *name_of(Level level) {
     return level_names[static_cast<size_t>(level)];

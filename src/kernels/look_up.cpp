@@ -81,19 +81,41 @@ KZB_TARGET_AVX2 void look_up_pixels_avx2(uint8_t *target, const uint8_t *source,
     look_up_pixels_plainly(target + at, source + at, tables, count - at / step);
 }
 
-struct LongTable {
+// A table of 128 pairs of entries in four registers.
+struct PairTable {
     __m512i parts[4];
+
+    // The pairs of the bytes that lie in the high seven bits of words; `high` marks those from 128.
+    KZB_TARGET_AVX512 __m512i pairs(__m512i words, __mmask32 high) const {
+        return _mm512_mask_blend_epi16(high, _mm512_permutex2var_epi16(parts[0], words, parts[1]),
+                                       _mm512_permutex2var_epi16(parts[2], words, parts[3]));
+    }
+    KZB_TARGET_AVX512 __m512i operator()(__m512i bytes) const {
+        const __m512i even_words = _mm512_srli_epi16(bytes, 1), odd_words = _mm512_srli_epi16(bytes, 9);
+        const __m512i even = pairs(even_words, _mm512_movepi16_mask(_mm512_slli_epi16(bytes, 8)));
+        const __m512i odd = pairs(odd_words, _mm512_movepi16_mask(bytes));
+        // Where the entry's place in its pair is that of the byte in its word, and where it is the other one.
+        constexpr __mmask64 odd_bytes = 0xaaaaaaaaaaaaaaaa;
+        const __m512i in_place = _mm512_mask_blend_epi8(odd_bytes, even, odd);
+        const __m512i crossed = _mm512_or_si512(_mm512_srli_epi16(even, 8), _mm512_slli_epi16(odd, 8));
+        const __mmask64 second = _mm512_movepi8_mask(_mm512_slli_epi16(bytes, 7));
+        return _mm512_mask_blend_epi8(second ^ odd_bytes, in_place, crossed);
+    }
 };
 
-KZB_TARGET_AVX512 inline __m512i looked_up(const LongTable &table, __m512i bytes) {
-    const __m512i low = _mm512_permutex2var_epi8(table.parts[0], bytes, table.parts[1]);
-    const __m512i high = _mm512_permutex2var_epi8(table.parts[2], bytes, table.parts[3]);
-    return _mm512_mask_blend_epi8(_mm512_movepi8_mask(bytes), low, high);
-}
+struct LongTable {
+    __m512i parts[4];
+
+    KZB_TARGET_AVX512VBMI __m512i operator()(__m512i bytes) const {
+        const __m512i low = _mm512_permutex2var_epi8(parts[0], bytes, parts[1]);
+        const __m512i high = _mm512_permutex2var_epi8(parts[2], bytes, parts[3]);
+        return _mm512_mask_blend_epi8(_mm512_movepi8_mask(bytes), low, high);
+    }
+};
 
 // The tables of a row, each for the bytes that are marked in three registers.
-template <size_t count> struct MarkedTables {
-    LongTable tables[count];
+template <class Table, size_t count> struct MarkedTables {
+    Table tables[count];
     uint64_t marked[count][3];
     uint64_t all[3] = {};
 
@@ -108,16 +130,16 @@ template <size_t count> struct MarkedTables {
     }
 
     KZB_TARGET_AVX512 __m512i operator()(__m512i bytes, size_t phase) const {
-        __m512i result = looked_up(tables[0], bytes);
-        for (size_t t = 1; t < count; ++t)
-            result = _mm512_mask_blend_epi8(marked[t][phase], result, looked_up(tables[t], bytes));
+        __m512i result = tables[0](bytes);
+        for (size_t t = 1; t < count; ++t) result = _mm512_mask_blend_epi8(marked[t][phase], result, tables[t](bytes));
         return result;
     }
 };
 
-template <size_t table_count>
-KZB_TARGET_AVX512 void look_up_marked(uint8_t *target, const uint8_t *source, const PixelTables &of, size_t bytes) {
-    const MarkedTables<table_count> tables(of);
+template <class Table, size_t table_count>
+KZB_TARGET_AVX512 inline void look_up_marked(uint8_t *target, const uint8_t *source, const PixelTables &of,
+                                             size_t bytes) {
+    const MarkedTables<Table, table_count> tables(of);
     // Up to the first byte of the last pixel.
     const size_t inside = bytes < of.step() ? 0 : bytes - of.step() + 1;
     size_t at = 0, phase = 0;
@@ -129,21 +151,32 @@ KZB_TARGET_AVX512 void look_up_marked(uint8_t *target, const uint8_t *source, co
     }
 }
 
-KZB_TARGET_AVX512 void look_up_pixels_avx512(uint8_t *target, const uint8_t *source, const PixelTables &tables,
-                                             size_t count) {
+template <class Table>
+KZB_TARGET_AVX512 inline void look_up_pixels_512(uint8_t *target, const uint8_t *source, const PixelTables &tables,
+                                                 size_t count) {
     const size_t bytes = count * tables.step();
     switch (tables.count()) {
     case 1:
-        return look_up_marked<1>(target, source, tables, bytes);
+        return look_up_marked<Table, 1>(target, source, tables, bytes);
     case 2:
-        return look_up_marked<2>(target, source, tables, bytes);
+        return look_up_marked<Table, 2>(target, source, tables, bytes);
     case 3:
-        return look_up_marked<3>(target, source, tables, bytes);
+        return look_up_marked<Table, 3>(target, source, tables, bytes);
     case 4:
-        return look_up_marked<4>(target, source, tables, bytes);
+        return look_up_marked<Table, 4>(target, source, tables, bytes);
     default:
         return;
     }
+}
+
+KZB_TARGET_AVX512 [[gnu::flatten]] void look_up_pixels_avx512(uint8_t *target, const uint8_t *source,
+                                                              const PixelTables &tables, size_t count) {
+    look_up_pixels_512<PairTable>(target, source, tables, count);
+}
+
+KZB_TARGET_AVX512VBMI [[gnu::flatten]] void look_up_pixels_avx512vbmi(uint8_t *target, const uint8_t *source,
+                                                                      const PixelTables &tables, size_t count) {
+    look_up_pixels_512<LongTable>(target, source, tables, count);
 }
 
 #endif
@@ -153,7 +186,7 @@ KZB_TARGET_AVX512 void look_up_pixels_avx512(uint8_t *target, const uint8_t *sou
 decltype(look_up) look_up = compiled<look_up_plainly>();
 #ifdef KZB_X86
 decltype(look_up_pixels) look_up_pixels =
-    compiled<look_up_pixels_plainly, look_up_pixels_avx2, look_up_pixels_avx512>();
+    compiled<look_up_pixels_plainly, look_up_pixels_avx2, look_up_pixels_avx512, look_up_pixels_avx512vbmi>();
 #else
 decltype(look_up_pixels) look_up_pixels = compiled<look_up_pixels_plainly>();
 #endif

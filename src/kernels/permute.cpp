@@ -49,9 +49,10 @@ KZB_TARGET_AVX2 void permute_avx2(uint8_t *target, const uint8_t *source, const 
     permute_plainly(target + done * to_step, source + static_cast<ptrdiff_t>(done) * step, permutation, count - done);
 }
 
-KZB_TARGET_AVX512 void permute_avx512(uint8_t *target, const uint8_t *source, const Permutation &permutation,
-                                      size_t count) {
-    const Shuffle512 shuffle(permutation);
+template <class Shuffle>
+KZB_TARGET_AVX512 inline void permute_512(uint8_t *target, const uint8_t *source, const Permutation &permutation,
+                                          size_t count) {
+    const Shuffle shuffle(permutation);
     const size_t n = shuffle.pixels, to_step = permutation.to_step, from_step = permutation.from_step;
     const auto step = permutation.reversed ? -static_cast<ptrdiff_t>(from_step) : static_cast<ptrdiff_t>(from_step);
     if (permutation.reversed) source -= (n - 1) * from_step;
@@ -79,21 +80,43 @@ KZB_TARGET_AVX512 void permute_avx512(uint8_t *target, const uint8_t *source, co
 }
 
 // Reversed registers of both ends change places; the middle is left to the plain loop.
-KZB_TARGET_AVX512 void reverse_avx512(uint8_t *pixels, size_t step, size_t bytes, size_t count) {
+template <class Shuffle>
+KZB_TARGET_AVX512 inline void reverse_512(uint8_t *pixels, size_t step, size_t bytes, size_t count) {
     if (count < 2) return;
-    const Shuffle512 shuffle(leading_bytes(step, step, bytes, true));
+    const Shuffle shuffle(leading_bytes(step, step, bytes, true));
     const size_t n = shuffle.pixels;
-    uint8_t *last = pixels + (count - 1) * step;
-    // Registers may reach into the last pixel, so that it goes first.
-    for (size_t k = 0; k < bytes; ++k) std::swap(pixels[k], last[k]);
-    pixels += step;
-    for (count -= 2; count * step >= 2 * n * step + 64; count -= 2 * n, pixels += n * step) {
-        last -= n * step;
-        const __m512i front = _mm512_loadu_si512(pixels), back = _mm512_loadu_si512(last);
+    uint8_t *end = pixels + count * step;
+    // Registers may reach into the last pixels, so that these go first.
+    for (size_t first = (64 - n * step) / step + 1; first != 0 && count >= 2; --first, count -= 2, pixels += step) {
+        end -= step;
+        for (size_t k = 0; k < bytes; ++k) std::swap(pixels[k], end[k]);
+    }
+    for (; count * step >= 2 * n * step + 64; count -= 2 * n, pixels += n * step) {
+        end -= n * step;
+        const __m512i front = _mm512_loadu_si512(pixels), back = _mm512_loadu_si512(end);
         store_over(pixels, shuffle.written_mask, shuffle(back));
-        store_over(last, shuffle.written_mask, shuffle(front));
+        store_over(end, shuffle.written_mask, shuffle(front));
     }
     reverse_plainly(pixels, step, bytes, count);
+}
+
+KZB_TARGET_AVX512 [[gnu::flatten]] void permute_avx512(uint8_t *target, const uint8_t *source,
+                                                       const Permutation &permutation, size_t count) {
+    permute_512<Shuffle512>(target, source, permutation, count);
+}
+
+KZB_TARGET_AVX512VBMI [[gnu::flatten]] void permute_avx512vbmi(uint8_t *target, const uint8_t *source,
+                                                               const Permutation &permutation, size_t count) {
+    permute_512<Shuffle512Vbmi>(target, source, permutation, count);
+}
+
+KZB_TARGET_AVX512 [[gnu::flatten]] void reverse_avx512(uint8_t *pixels, size_t step, size_t bytes, size_t count) {
+    reverse_512<Shuffle512>(pixels, step, bytes, count);
+}
+
+KZB_TARGET_AVX512VBMI [[gnu::flatten]] void reverse_avx512vbmi(uint8_t *pixels, size_t step, size_t bytes,
+                                                               size_t count) {
+    reverse_512<Shuffle512Vbmi>(pixels, step, bytes, count);
 }
 
 KZB_TARGET_AVX2 void reverse_avx2(uint8_t *pixels, size_t step, size_t bytes, size_t count) {
@@ -118,8 +141,8 @@ KZB_TARGET_AVX2 void reverse_avx2(uint8_t *pixels, size_t step, size_t bytes, si
 } // namespace
 
 #ifdef KZB_X86
-decltype(permute_pixels) permute_pixels = compiled<permute_plainly, permute_avx2, permute_avx512>();
-decltype(reverse_pixels) reverse_pixels = compiled<reverse_plainly, reverse_avx2, reverse_avx512>();
+decltype(permute_pixels) permute_pixels = compiled<permute_plainly, permute_avx2, permute_avx512, permute_avx512vbmi>();
+decltype(reverse_pixels) reverse_pixels = compiled<reverse_plainly, reverse_avx2, reverse_avx512, reverse_avx512vbmi>();
 #else
 decltype(permute_pixels) permute_pixels = compiled<permute_plainly>();
 decltype(reverse_pixels) reverse_pixels = compiled<reverse_plainly>();

@@ -20,8 +20,8 @@ constexpr auto mean_avx2 = Compiled<mean_of_rows_loop<32, true>>::avx2;
 
 } // namespace
 
-decltype(gather_columns) gather_columns =
-    compiled<gather_columns_loop, Compiled<gather_columns_loop>::avx2, gather_columns_avx512>();
+decltype(gather_columns) gather_columns = compiled<gather_columns_loop, Compiled<gather_columns_loop>::avx2,
+                                                   gather_columns_avx512, gather_columns_avx512vbmi>();
 decltype(weigh_columns) weigh_columns = compiled<weigh_baseline, weigh_avx2, weigh_columns_avx512>();
 decltype(deal_means) deal_means = compiled<deal_means_loop, Compiled<deal_means_loop>::avx2, deal_means_avx512>();
 decltype(mean_of_rows) mean_of_rows = compiled<mean_baseline, mean_avx2, mean_of_rows_avx512>();

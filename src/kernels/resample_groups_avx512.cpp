@@ -52,17 +52,27 @@ KZB_TARGET_AVX512 inline void interleave(__m512i *units, const RowGroup &group, 
     }
 }
 
-// The indices that spread unit `unit` of a register over eight quadwords.
-KZB_TARGET_AVX512 inline __m512i spread_of(size_t unit) {
-    const __m512i lanes = _mm512_set_epi64(7, 6, 5, 4, 3, 2, 1, 0);
-    return _mm512_add_epi64(lanes, _mm512_set1_epi64(static_cast<int64_t>(unit * 8)));
-}
+// The eight bytes of a unit of a register as doubles.
 
-constexpr __mmask64 lowest_of_quadwords = 0x0101010101010101;
+// From memory, where a load spreads them by the way.
+struct LoadedUnit {
+    KZB_TARGET_AVX512 static __m512d widened(const __m512i &units, size_t unit) {
+        const auto *bytes = reinterpret_cast<const uint8_t *>(&units) + 8 * unit;
+        return _mm512_cvtepi64_pd(_mm512_cvtepu8_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(bytes))));
+    }
+};
 
-KZB_TARGET_AVX512 inline __m512d widened(__m512i units, size_t unit) {
-    return _mm512_cvtepi64_pd(_mm512_maskz_permutexvar_epi8(lowest_of_quadwords, spread_of(unit), units));
-}
+struct PermutedUnit {
+    // The indices that spread a unit over eight quadwords.
+    KZB_TARGET_AVX512 static __m512i spread_of(size_t unit) {
+        const __m512i lanes = _mm512_set_epi64(7, 6, 5, 4, 3, 2, 1, 0);
+        return _mm512_add_epi64(lanes, _mm512_set1_epi64(static_cast<int64_t>(unit * 8)));
+    }
+    KZB_TARGET_AVX512VBMI static __m512d widened(__m512i units, size_t unit) {
+        constexpr __mmask64 lowest_of_quadwords = 0x0101010101010101;
+        return _mm512_cvtepi64_pd(_mm512_maskz_permutexvar_epi8(lowest_of_quadwords, spread_of(unit), units));
+    }
+};
 
 template <size_t channels>
 KZB_TARGET_AVX512 inline void weigh_columns_of_avx512(float *means, size_t group_size, const double *columns,
@@ -86,10 +96,9 @@ KZB_TARGET_AVX512 inline void weigh_columns_of_avx512(float *means, size_t group
     }
 }
 
-} // namespace
-
-KZB_TARGET_AVX512 void gather_columns_avx512(double *columns, size_t lanes, const RowGroup &group, size_t start,
-                                             size_t count) {
+template <class Unit>
+KZB_TARGET_AVX512 inline void gather_columns_512(double *columns, size_t lanes, const RowGroup &group, size_t start,
+                                                 size_t count) {
     const size_t pixel_size = group.pixel_size;
     if (group.mixes_gray) return gather_columns_loop(columns, lanes, group, start, count);
     const size_t last_byte = *std::max_element(group.offsets.begin(), group.offsets.end());
@@ -113,14 +122,26 @@ KZB_TARGET_AVX512 void gather_columns_avx512(double *columns, size_t lanes, cons
             for (size_t q = 0; 16 * q < bytes; ++q)
 #pragma GCC unroll 8
                 for (size_t k = 0; k < 8; ++k) {
-                    _mm512_storeu_pd(target + places[16 * q + 2 * k], widened(units[k], 2 * q));
-                    _mm512_storeu_pd(target + places[16 * q + 2 * k + 1], widened(units[k], 2 * q + 1));
+                    _mm512_storeu_pd(target + places[16 * q + 2 * k], Unit::widened(units[k], 2 * q));
+                    _mm512_storeu_pd(target + places[16 * q + 2 * k + 1], Unit::widened(units[k], 2 * q + 1));
                 }
             continue;
         }
         for (size_t j = 0; j < bytes; ++j)
-            if (used[j]) _mm512_storeu_pd(target + places[j], widened(units[j % 16 / 2], j / 16 * 2 + j % 2));
+            if (used[j]) _mm512_storeu_pd(target + places[j], Unit::widened(units[j % 16 / 2], j / 16 * 2 + j % 2));
     }
+}
+
+} // namespace
+
+KZB_TARGET_AVX512 [[gnu::flatten]] void gather_columns_avx512(double *columns, size_t lanes, const RowGroup &group,
+                                                              size_t start, size_t count) {
+    gather_columns_512<LoadedUnit>(columns, lanes, group, start, count);
+}
+
+KZB_TARGET_AVX512VBMI [[gnu::flatten]] void
+gather_columns_avx512vbmi(double *columns, size_t lanes, const RowGroup &group, size_t start, size_t count) {
+    gather_columns_512<PermutedUnit>(columns, lanes, group, start, count);
 }
 
 KZB_TARGET_AVX512 void weigh_columns_avx512(float *means, size_t group_size, const double *columns, int32_t first,

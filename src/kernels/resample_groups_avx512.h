@@ -6,6 +6,7 @@
 namespace kzb::kernels {
 
 void gather_columns_avx512(double *columns, size_t lanes, const RowGroup &group, size_t start, size_t count);
+void gather_columns_avx512vbmi(double *columns, size_t lanes, const RowGroup &group, size_t start, size_t count);
 void weigh_columns_avx512(float *means, size_t group_size, const double *columns, int32_t first, size_t channels,
                           const ContributionList *lists, size_t count);
 void deal_means_avx512(const std::array<double *, rows_together> &rows, const float *means, size_t count);

@@ -40,8 +40,8 @@ void average_sums_loop(uint8_t *bytes, const uint16_t *const *rows, size_t row_c
 #ifdef KZB_X86
 
 // Byte permutes pick 64 bytes at once from a window of two registers.
-KZB_TARGET_AVX512 void sum_picks_avx512(uint16_t *sums, const uint8_t *row, const Picks *entries,
-                                        const PickPlaces *places, size_t entry_count, size_t picks) {
+KZB_TARGET_AVX512VBMI void sum_picks_avx512vbmi(uint16_t *sums, const uint8_t *row, const Picks *entries,
+                                                const PickPlaces *places, size_t entry_count, size_t picks) {
     for (; entry_count != 0; --entry_count, ++entries) {
         const uint8_t *window = row + entries->start;
         const size_t readable = entries->readable;
@@ -69,7 +69,8 @@ KZB_TARGET_AVX512 void sum_picks_avx512(uint16_t *sums, const uint8_t *row, cons
 } // namespace
 
 #ifdef KZB_X86
-decltype(sum_picks) sum_picks = compiled<sum_picks_plainly, Compiled<sum_picks_plainly>::avx2, sum_picks_avx512>();
+decltype(sum_picks) sum_picks = compiled<sum_picks_plainly, Compiled<sum_picks_plainly>::avx2,
+                                         Compiled<sum_picks_plainly>::avx512, sum_picks_avx512vbmi>();
 #else
 decltype(sum_picks) sum_picks = compiled<sum_picks_plainly>();
 #endif

@@ -7,10 +7,13 @@
 
 #ifdef KZB_X86
 #define KZB_TARGET_AVX2 [[gnu::target("avx2,fma,bmi,bmi2")]]
-#define KZB_TARGET_AVX512 [[gnu::target("avx2,fma,bmi,bmi2,avx512f,avx512bw,avx512cd,avx512dq,avx512vl,avx512vbmi")]]
+#define KZB_TARGET_AVX512 [[gnu::target("avx2,fma,bmi,bmi2,avx512f,avx512bw,avx512cd,avx512dq,avx512vl")]]
+#define KZB_TARGET_AVX512VBMI                                                                                          \
+    [[gnu::target("avx2,fma,bmi,bmi2,avx512f,avx512bw,avx512cd,avx512dq,avx512vl,avx512vbmi")]]
 #else
 #define KZB_TARGET_AVX2
 #define KZB_TARGET_AVX512
+#define KZB_TARGET_AVX512VBMI
 #endif
 
 namespace kzb::kernels {
@@ -43,20 +46,24 @@ template <class Result, class... Arguments, Result (*body)(Arguments...)> struct
     [[gnu::flatten]] static Result baseline(Arguments... arguments) { return body(arguments...); }
     KZB_TARGET_AVX2 [[gnu::flatten]] static Result avx2(Arguments... arguments) { return body(arguments...); }
     KZB_TARGET_AVX512 [[gnu::flatten]] static Result avx512(Arguments... arguments) { return body(arguments...); }
+    KZB_TARGET_AVX512VBMI [[gnu::flatten]] static Result avx512vbmi(Arguments... arguments) {
+        return body(arguments...);
+    }
 };
 
 // A plain loop in every level. All that it calls must be inline or a template in the same file, or it stays at
 // baseline.
 template <auto body> RowFunction<std::remove_pointer_t<decltype(body)>> compiled() {
     using In = Compiled<body>;
-    return RowFunction<std::remove_pointer_t<decltype(body)>>({In::baseline, In::avx2, In::avx512});
+    return RowFunction<std::remove_pointer_t<decltype(body)>>({In::baseline, In::avx2, In::avx512, In::avx512vbmi});
 }
 
-// The same with bodies of their own for the higher levels, written with KZB_TARGET_AVX2 and KZB_TARGET_AVX512; the
-// reason and the gain stand beside them.
-template <auto body, auto avx2, auto avx512> RowFunction<std::remove_pointer_t<decltype(body)>> compiled() {
+// The same with bodies of their own for the higher levels, written with KZB_TARGET_AVX2, KZB_TARGET_AVX512 and
+// KZB_TARGET_AVX512VBMI; the reason and the gain stand beside them.
+template <auto body, auto avx2, auto avx512, auto avx512vbmi = avx512>
+RowFunction<std::remove_pointer_t<decltype(body)>> compiled() {
     using In = Compiled<body>;
-    return RowFunction<std::remove_pointer_t<decltype(body)>>({In::baseline, avx2, avx512});
+    return RowFunction<std::remove_pointer_t<decltype(body)>>({In::baseline, avx2, avx512, avx512vbmi});
 }
 
 } // namespace kzb::kernels

@@ -63,23 +63,23 @@ KZB_TARGET_AVX2 void weigh_avx2(uint8_t *target, const uint8_t *source, const We
     weigh_plainly(target, source, weighing, count);
 }
 
-KZB_TARGET_AVX512 void weigh_avx512(uint8_t *target, const uint8_t *source, const Weighing &weighing, size_t count) {
-    const Shuffle512 red_green(red_and_green_of(weighing)), blue(blue_of(weighing)), alpha(alpha_of(weighing)),
+template <class Shuffle>
+KZB_TARGET_AVX512 inline void weigh_512(uint8_t *target, const uint8_t *source, const Weighing &weighing,
+                                        size_t count) {
+    const Shuffle red_green(red_and_green_of(weighing)), blue(blue_of(weighing)), alpha(alpha_of(weighing)),
         out(outwards(weighing));
     const uint64_t read = red_green.read_mask | blue.read_mask | alpha.read_mask;
     while (count != 0) {
         const size_t n = std::min<size_t>(count, 16);
         // A register up to the first byte of the last pixel lies in the row.
         const bool inside = (count - 1) * weighing.from_step >= 63;
-        const __m512i pixels = inside ? _mm512_loadu_si512(source)
-                                      : _mm512_maskz_loadu_epi8(read & lowest_bits(n * weighing.from_step), source);
-        const __m512i sums = _mm512_add_epi32(
-            _mm512_madd_epi16(_mm512_maskz_permutexvar_epi8(red_green.written_mask, red_green.index, pixels),
-                              _mm512_set1_epi32(red_and_green)),
-            _mm512_madd_epi16(_mm512_maskz_permutexvar_epi8(blue.written_mask, blue.index, pixels),
-                              _mm512_set1_epi32(only_blue)));
-        const __m512i bytes = _mm512_or_si512(_mm512_srli_epi32(sums, 8),
-                                              _mm512_maskz_permutexvar_epi8(alpha.written_mask, alpha.index, pixels));
+        const __m512i pixels =
+            red_green.spread(inside ? _mm512_loadu_si512(source)
+                                    : _mm512_maskz_loadu_epi8(read & lowest_bits(n * weighing.from_step), source));
+        const __m512i sums =
+            _mm512_add_epi32(_mm512_madd_epi16(red_green.shuffled(pixels), _mm512_set1_epi32(red_and_green)),
+                             _mm512_madd_epi16(blue.shuffled(pixels), _mm512_set1_epi32(only_blue)));
+        const __m512i bytes = _mm512_or_si512(_mm512_srli_epi32(sums, 8), alpha.shuffled(pixels));
         const __m512i result = out(bytes);
         const uint64_t written = out.written_mask & lowest_bits(n * weighing.to_step);
         if (written == 0xffff)
@@ -92,12 +92,22 @@ KZB_TARGET_AVX512 void weigh_avx512(uint8_t *target, const uint8_t *source, cons
     }
 }
 
+KZB_TARGET_AVX512 [[gnu::flatten]] void weigh_avx512(uint8_t *target, const uint8_t *source, const Weighing &weighing,
+                                                     size_t count) {
+    weigh_512<Shuffle512>(target, source, weighing, count);
+}
+
+KZB_TARGET_AVX512VBMI [[gnu::flatten]] void weigh_avx512vbmi(uint8_t *target, const uint8_t *source,
+                                                             const Weighing &weighing, size_t count) {
+    weigh_512<Shuffle512Vbmi>(target, source, weighing, count);
+}
+
 #endif
 
 } // namespace
 
 #ifdef KZB_X86
-decltype(weigh_pixels) weigh_pixels = compiled<weigh_plainly, weigh_avx2, weigh_avx512>();
+decltype(weigh_pixels) weigh_pixels = compiled<weigh_plainly, weigh_avx2, weigh_avx512, weigh_avx512vbmi>();
 #else
 decltype(weigh_pixels) weigh_pixels = compiled<weigh_plainly>();
 #endif

@@ -104,7 +104,7 @@ std::string announced_level;
 bool level_as_asked() {
     const char *asked = std::getenv("KZB_ISA");
     std::string expected;
-    for (kernels::Level level : {kernels::Level::baseline, kernels::Level::avx2, kernels::Level::avx512}) {
+    for (kernels::Level level : kernels::every_level) {
         if (!kernels::runs(level)) continue;
         expected = kernels::name_of(level);
         if (asked != nullptr && expected == asked) break;

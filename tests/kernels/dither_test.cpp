@@ -42,7 +42,7 @@ TEST(DitherScale, SplitsByTheNumberOfCells) {
 
 TEST(Dither, LeavesWhatIsKeptAndWhatLiesBeyondInEveryInstructionSet) {
     std::mt19937 random(5);
-    for (Level level : {Level::baseline, Level::avx2, Level::avx512}) {
+    for (Level level : every_level) {
         if (!runs(level)) continue;
         SCOPED_TRACE(name_of(level));
         for (size_t count : {0, 1, 2, 63, 64, 65, 100, 127, 128, 129, 200}) {

@@ -13,7 +13,7 @@ namespace kzb::kernels {
 
 inline std::vector<Level> running_levels() {
     std::vector<Level> levels;
-    for (Level level : {Level::baseline, Level::avx2, Level::avx512})
+    for (Level level : every_level)
         if (runs(level)) levels.push_back(level);
     return levels;
 }
