@@ -112,10 +112,10 @@ bool run(const Row &row, const Placement &placement, bool takes_image, Mapped bl
 // What walks pixel by pixel maps without end.
 constexpr uint64_t most_faults = 4;
 
-void run_each_fault(const Row &row, const Placement &placement, bool takes_image, Report &report) {
+void run_each_fault(const Row &row, const Placement &placement, bool takes_image, Report &report,
+                    uint64_t most = most_faults) {
     for (const Mapped block : {Mapped::first_block, Mapped::last_block}) {
-        for (uint64_t n = 1; n <= most_faults && run(row, placement, takes_image, block, {System::mmap, n}, report);)
-            ++n;
+        for (uint64_t n = 1; n <= most && run(row, placement, takes_image, block, {System::mmap, n}, report);) ++n;
     }
     run(row, placement, takes_image, Mapped::first_block, {System::munmap, 1}, report);
 }
@@ -140,16 +140,23 @@ Row call_of(const std::string &declaration, const std::string &variant, std::fun
 }
 
 // Arguments with which a method goes other ways than with those of the method table.
-std::vector<Row> other_ways() {
-    const auto on_images = [](const std::vector<Value> &more) {
-        return [more] {
-            Call call = {Object(), {nullptr}};
-            for (const Value &value : more) call.arguments.push_back(value);
-            return call;
-        };
+std::function<Call()> on_images(const std::vector<Value> &more) {
+    return [more] {
+        Call call = {Object(), {nullptr}};
+        for (const Value &value : more) call.arguments.push_back(value);
+        return call;
     };
+}
+
+std::vector<Row> other_ways() {
     const std::string box = "BoxBlurFilter(dest as PictureKZB, Radius as double) as PictureKZB";
+    const std::string data = "DataStringInFormat(ImageFormat as integer) as string";
+    Row assigned = call_of(data, "assigned", [] {
+        return Call{Object(), {RGB}, noise_string(size_t{width} * height * 3)};
+    });
+    assigned.kind = Kind::assignment;
     return {
+        assigned,
         call_of(box, "radius 0", on_images({0.5})),
         call_of(box, "a wide radius", on_images({5000.0})),
         call_of("EngraveFilter(dest as PictureKZB, level as integer) as PictureKZB", "level 10", on_images({10})),
@@ -161,9 +168,18 @@ TEST(Mapping, EachBlockFailingInTurnOnOtherWays) {
     uint64_t faults = 0;
     for (const Row &row : other_ways())
         faults += in_child(row.name(), [&](Report &report) {
+            const bool takes_image = is_image_argument(row, 0);
             for (const Placement &placement : placements)
-                if (placement.name != "beside the call's own images") run_each_fault(row, placement, true, report);
+                if (placement.name != "beside the call's own images" && (takes_image || placement.reads_alone))
+                    run_each_fault(row, placement, takes_image, report, 12);
         });
+    // A wide image becomes a tall one.
+    const Image wide = in_memory(RGBA, height, width), tall = in_file(RGBA, width, height);
+    const Placement turned = placement("turned", wide, tall);
+    for (const char *name : {"Rotate90", "Rotate270"}) {
+        const Row row = call_of(std::string(name) + "(dest as PictureKZB=nil) as PictureKZB", "wide", on_images({}));
+        faults += in_child(row.name(), [&](Report &report) { run_each_fault(row, turned, true, report); });
+    }
     EXPECT_GT(faults, 100u);
 }
 
@@ -176,15 +192,20 @@ Image new_file(int32_t file_width, int32_t file_height, int32_t format) {
 
 // The images that a rotation makes are in files.
 TEST(Mapping, EachBlockOfARotationsImagesFailingInTurn) {
-    const Image tall = in_file(RGBA, width, height), flat = in_memory(RGBX, width, height);
+    const Image tall = in_file(RGBA, width, height), wide = in_memory(RGBX, height, width);
+    const struct {
+        Image image;
+        double angle;
+        bool into_files;
+    } cases[] = {{tall, 5.0, false}, {tall, 5.0, true}, {tall, -5.0, true}, {wide, 95.0, true}, {wide, 265.0, true}};
     uint64_t faults = 0;
-    for (const double angle : {2.0, 92.0, -88.0})
-        for (const Image &image : {tall, flat})
-            faults += in_child("by " + std::to_string(angle), [&](Report &report) {
+    for (const auto &[image, angle, into_files] : cases)
+        faults += in_child(
+            "by " + std::to_string(angle), [&, &image = image, angle = angle, into_files = into_files](Report &report) {
                 const Row row = call_of("Rotate(angle as double, Red as integer, Green as integer, Blue as integer, "
                                         "Alpha as integer, Gray as integer) as PictureKZB",
                                         "into files", [&] {
-                                            set_process_factory(factory(new_file));
+                                            if (into_files) set_process_factory(factory(new_file));
                                             return Call{image, {angle, 1, 2, 3, 4, 5}};
                                         });
                 const Placement own = {"its own", {image}, [](Call &, bool) {}};
@@ -205,7 +226,8 @@ struct ScaledImages {
 TEST(Mapping, EachBlockOfAScalingsImagesFailingInTurn) {
     const Image flat = in_memory(RGBA, width, height), tall = in_file(RGBA, width, height);
     const Image temp = in_memory(Scaling, width, height), tall_temp = in_file(Scaling, width, height);
-    const ScaledImages scalings[] = {{"the source in a file", tall, temp, in_memory(GA, width, height)},
+    const ScaledImages scalings[] = {{"the source in a file", tall, temp, in_memory(RGBX, width, height)},
+                                     {"the source in a file, to gray", tall, temp, in_memory(GA, width, height)},
                                      {"the temporary in a file", flat, tall_temp, in_memory(RGBA, width, height)},
                                      {"the destination in a file", flat, temp, in_file(GA, width, height)}};
     uint64_t faults = 0;
