@@ -52,7 +52,7 @@ private:
             reached = row != nullptr;
             if (reached) kernels::accumulate(column_sums_.get(), row, times, entering_.bytes());
         });
-        for (int64_t y = 0; reached && y <= last; ++y) {
+        for (int64_t y = 0; reached; ++y) {
             kernels::average(line_.get(), column_sums_.get(), divisor(), entering_.bytes());
             if (at_once) blur_line(line_.get());
             if (!result_.write(static_cast<int32_t>(y), line_.get())) return false;
@@ -143,7 +143,7 @@ ImageObject box_blur_filter(ImageObject image, ImageObject dest, double radius) 
 ImageReference box_blur_unseen(ImageObject image, double radius, int32_t passes, const ChannelTables *tables) {
     ImageRecord &source = *record_of(image);
     // Otherwise user code may supply or meet the images between the passes.
-    if (may_ask_program(&source) || source.YieldTicks > 0 || !usable(source)) return {};
+    if (may_ask_program(source) || source.YieldTicks > 0 || !usable(source)) return {};
     const int64_t whole = whole_radius(radius);
     const Channels channels = in_byte_order(channels_of(source), source);
     if (channels.size() == 0 || source.Width <= 0 || whole > BlurredRows::largest_radius) return {};
@@ -156,7 +156,6 @@ ImageReference box_blur_unseen(ImageObject image, double radius, int32_t passes,
     auto result = create_image(&source, source.Width, source.Height, source.ImageFormat);
     if (!result) return {};
     ImageRecord &destination = *record_of(result.get());
-    if (!rows_may_run(source, destination, channels, source.Width, source.Height)) return {};
     if (!blurs[static_cast<size_t>(passes) - 1]->write_all(destination, channels, tables)) return {};
     return result;
 }

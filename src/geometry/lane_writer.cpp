@@ -8,7 +8,7 @@ LaneWriter::LaneWriter(ImageRecord &destination, const CarriedChannels &carried)
     : destination_(destination), carried_(carried) {
     const size_t lanes = carried.lanes.size();
     const ChannelOffsets offsets = offsets_of(destination, carried.lanes);
-    dense_ = static_cast<size_t>(destination.PixelSize) == lanes && !carried.spreads_gray;
+    dense_ = static_cast<size_t>(destination.PixelSize) == lanes;
     for (size_t i = 1; i < lanes; ++i) dense_ = dense_ && offsets[i] == offsets[0] + static_cast<int32_t>(i);
 }
 

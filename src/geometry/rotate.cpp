@@ -1,6 +1,5 @@
 #include "geometry/rotate.h"
 
-#include "geometry/pieces.h"
 #include "geometry/quarter_turn.h"
 #include "geometry/shear_bands.h"
 #include "geometry/sine.h"
@@ -96,7 +95,7 @@ Buffer<Shift> growing_shifts(int32_t count, double distance, double step) {
 // A new image to which `source` is sheared, paced; nil when it cannot be had or user code has meanwhile changed the
 // source.
 ImageReference ThreeShears::image_like(ImageRecord &source, double width, double height) const {
-    const auto fits = [](double size) { return size >= INT32_MIN && size <= INT32_MAX; };
+    const auto fits = [](double size) { return size <= INT32_MAX; };
     if (!fits(width) || !fits(height)) return {};
     const PacedImage sheared(source);
     auto image = create_image(&image_, static_cast<int32_t>(width), static_cast<int32_t>(height), format_);
@@ -153,8 +152,8 @@ ImageReference ThreeShears::third_shear(ImageRecord &source) const {
 
 // The same without images between, where user code could not meet them, but only where they could be had.
 ImageReference ThreeShears::shear_at_once() const {
-    const bool reachable = image_.Width > 0 && image_.Height > 0 && rows_lie_apart(image_, channels_, image_.Width);
-    if (may_ask_program(&image_) || !reachable) return {};
+    const bool reachable = image_.Width > 0 && rows_lie_apart(image_, channels_, image_.Width);
+    if (may_ask_program(image_) || !reachable) return {};
     const auto can_be_had = [&](double width, double height) {
         return width <= INT32_MAX && height <= INT32_MAX &&
                fits_in_memory(static_cast<int32_t>(width), static_cast<int32_t>(height), image_.PixelSize);
@@ -163,7 +162,6 @@ ImageReference ThreeShears::shear_at_once() const {
     auto result = image_like(image_, result_width(), sheared_height());
     if (!result) return {};
     ImageRecord &destination = *record_of(result.get());
-    if (!any_order_serves(image_, destination, channels_, destination.Width, destination.Height)) return {};
     const auto columns = static_cast<int32_t>(first_width());
     const auto first = first_shifts(), second = second_shifts(columns, columns),
                third = third_shifts(destination.Height);

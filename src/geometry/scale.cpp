@@ -48,7 +48,7 @@ bool resample(ImageRecord &source, ImageRecord &temp, bool temp_is_seen, ImageRe
     ImageRecord *seen = temp_is_seen ? &temp : nullptr;
     if (JoinedPasses::fit(source, seen, destination, *carried, columns, rows, width, height)) {
         const CarriedChannels ordered = in_best_order(*carried, seen, destination);
-        if (WholePasses::fit(source, ordered, columns, rows, width, height) &&
+        if (WholePasses::fit(ordered, columns, rows, width, height) &&
             run<WholePasses>(source, seen, destination, ordered, columns, rows, width, height))
             return true;
         if (run<JoinedPasses>(source, seen, destination, ordered, columns, rows, width, height)) return true;
@@ -75,7 +75,7 @@ Boolean scale(ImageObject image, ImageObject source, ImageObject temp, int32_t m
     ImageReference made;
     bool temp_is_seen = true;
     if (temp == nullptr) {
-        temp_is_seen = may_ask_program(&destination);
+        temp_is_seen = may_ask_program(destination);
         made = create_image(&destination, width, record_of(source)->Height, ImageFormatScaling);
         if (!made || record_of(made.get())->ImageFormat != ImageFormatScaling) return 0;
         temp = made.get();

@@ -133,7 +133,7 @@ void JoinedPasses::run() {
         const int32_t end = start + std::min(strip_, width_ - start);
         plan_blocks(start, end);
         int32_t y = 0;
-        for (int64_t row = 0; row < source_.Height && y < height_;) {
+        for (int64_t row = 0; row < source_.Height;) {
             const int64_t made = std::min<int64_t>(row + rows_between_, source_.Height);
             for (; row < made; row += rows_at_once_) make_rows(static_cast<int32_t>(row), start, end);
             int32_t ready = y;

@@ -44,16 +44,14 @@ Span bytes_of_lanes(const ImageRecord &source, const Channels &lanes) {
 
 } // namespace
 
-bool WholePasses::fit(const ImageRecord &source, const CarriedChannels &carried, const Contributions &columns,
-                      const Contributions &rows, int32_t width, int32_t height) {
-    if (carried.mixes_gray || !columns.ordinary() || !rows.ordinary()) return false;
+bool WholePasses::fit(const CarriedChannels &carried, const Contributions &columns, const Contributions &rows,
+                      int32_t width, int32_t height) {
+    if (carried.mixes_gray) return false;
     const auto column_bits = bits_of_lists(columns.lists(), width), row_bits = bits_of_lists(rows.lists(), height);
     if (!column_bits || !row_bits) return false;
-    // The longest list's bytes must lie in one window.
-    const Span bytes = bytes_of_lanes(source, carried.lanes);
-    const int32_t reach = (int32_t{1} << *column_bits) * source.PixelSize + bytes.last - bytes.first;
-    return *column_bits <= most_pick_bits && reach <= static_cast<int32_t>(kernels::pick_window) &&
-           8 + *column_bits + *row_bits <= sum_bits;
+    // The longest list's bytes lie in one window: pixels with channels have at most four.
+    static_assert(((1 << most_pick_bits) + 1) * 4 <= kernels::pick_window);
+    return *column_bits <= most_pick_bits && 8 + *column_bits + *row_bits <= sum_bits;
 }
 
 WholePasses::WholePasses(ImageRecord &source, ImageRecord *temp, ImageRecord &destination,

@@ -11,8 +11,8 @@ namespace kzb {
 class WholePasses {
 public:
     // Whether the sums of these lists are whole numbers of 16 bits; the images must be such that passes can be joined.
-    static bool fit(const ImageRecord &source, const CarriedChannels &carried, const Contributions &columns,
-                    const Contributions &rows, int32_t width, int32_t height);
+    static bool fit(const CarriedChannels &carried, const Contributions &columns, const Contributions &rows,
+                    int32_t width, int32_t height);
 
     // The lists are those of `width` columns and `height` rows. `temp` is nil when no program can see it.
     WholePasses(ImageRecord &source, ImageRecord *temp, ImageRecord &destination, const CarriedChannels &carried,

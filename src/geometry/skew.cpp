@@ -103,7 +103,7 @@ bool RowSkewer::skew(int32_t y, Shift shift) {
 
 // Whether lines may be skewed other than one by one: they are written to width × height pixels of the destination.
 bool lines_may_run(const Skew &skew, int32_t width, int32_t height) {
-    return skew.source.Width > 0 && skew.source.Height > 0 && width > 0 && height > 0 &&
+    return skew.source.Width > 0 && width > 0 &&
            any_order_serves(skew.source, skew.destination, skew.channels, width, height);
 }
 

@@ -43,8 +43,8 @@ ImageReference create_image(const ImageRecord *asking, int32_t width, int32_t he
     return image;
 }
 
-bool may_ask_program(const ImageRecord *asking) {
-    return current_factory != nullptr || (asking != nullptr && asking->Factory != nullptr);
+bool may_ask_program(const ImageRecord &asking) {
+    return current_factory != nullptr || asking.Factory != nullptr;
 }
 
 ImageObject create_picture(ImageObject image, int32_t width, int32_t height, int32_t image_format) {

@@ -15,7 +15,7 @@ void set_factory(FactoryObject factory);
 ImageReference create_image(const ImageRecord *asking, int32_t width, int32_t height, int32_t image_format);
 
 // Whether create_image has a factory to ask, which may keep what it gives. Without one nobody else sees the image.
-bool may_ask_program(const ImageRecord *asking);
+bool may_ask_program(const ImageRecord &asking);
 
 // The two CreatePictureKZB methods.
 ImageObject create_picture(ImageObject image, int32_t width, int32_t height, int32_t image_format);

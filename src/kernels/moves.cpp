@@ -26,22 +26,6 @@ template <class Body> void for_length(size_t bytes, Body body) {
     }
 }
 
-// Runs that lie side by side on both sides are one long run; a step of the run's length lets loops be vectorised.
-template <size_t length>
-void move(uint8_t *target, ptrdiff_t target_step, const uint8_t *source, ptrdiff_t source_step, size_t count) {
-    constexpr auto close = static_cast<ptrdiff_t>(length);
-    if (target_step == close && source_step == close) {
-        std::memcpy(target, source, count * length);
-    } else if (target_step == close && source_step == -close) {
-        for (size_t i = 0; i < count; ++i) {
-            const auto at = static_cast<ptrdiff_t>(i) * close;
-            std::memcpy(target + at, source - at, length);
-        }
-    } else {
-        for (; count != 0; --count, target += target_step, source += source_step) std::memcpy(target, source, length);
-    }
-}
-
 } // namespace
 
 void move_runs(uint8_t *target, ptrdiff_t target_step, const uint8_t *source, ptrdiff_t source_step, size_t count,
@@ -56,7 +40,10 @@ void move_runs(uint8_t *target, ptrdiff_t target_step, const uint8_t *source, pt
             leading_bytes(static_cast<size_t>(target_step), static_cast<size_t>(distance), bytes, source_step < 0),
             count);
     else
-        for_length(bytes, [&](auto known) { move<known>(target, target_step, source, source_step, count); });
+        for_length(bytes, [&](auto known) {
+            for (; count != 0; --count, target += target_step, source += source_step)
+                std::memcpy(target, source, known);
+        });
 }
 
 void fill_runs(uint8_t *target, ptrdiff_t step, const uint8_t *value, size_t count, size_t bytes) {

@@ -12,7 +12,7 @@ inline constexpr int32_t largest_column_range = 7;
 // Whether histograms of columns beat counting every pixel in and out. They do with registers of 64 bytes, by 3 to 1 at
 // range 3; with smaller ones they lose by a third.
 inline bool column_histograms_pay() {
-    return level_in_use() == Level::avx512;
+    return level_in_use() >= Level::avx512;
 }
 
 // For each column of a strip and each channel how often the values of a few rows occur, bin by bin.

@@ -61,6 +61,7 @@ constexpr auto sharpen_avx512vbmi = sharpen_plainly;
 SharpeningSteps::SharpeningSteps(const Sharpening &by) : sharpening(by), exact(true), outward(true) {
     // Far more than a sum below 1024 is rounded by.
     constexpr double close = 1.0 / (1 << 30);
+    // A factor that is not finite is not exact either: its product with 0 is no number.
     for (int32_t d = -255; d <= 255; ++d) {
         const double product = d * by.factor;
         const double step = std::abs(d) < by.threshold ? d : std::floor(product);
@@ -71,7 +72,6 @@ SharpeningSteps::SharpeningSteps(const Sharpening &by) : sharpening(by), exact(t
         if (d >= 0) away[0][static_cast<size_t>(d)] = static_cast<uint8_t>(std::abs(whole));
         if (d <= 0) away[1][static_cast<size_t>(-d)] = static_cast<uint8_t>(std::abs(whole));
     }
-    exact = exact && std::isfinite(by.factor);
 }
 
 decltype(sharpen) sharpen =

@@ -31,6 +31,10 @@ const Variant variants[] = {
      [](int32_t w, int32_t h) {
          return Images{on_block(ARGB), in_memory(BGR, w, h)};
      }},
+    {"RGBX to BGR",
+     [](int32_t w, int32_t h) {
+         return Images{in_memory(RGBX), in_memory(BGR, w, h)};
+     }},
     {"GA to GA in a file",
      [](int32_t w, int32_t h) {
          return Images{in_memory(GA), in_file(GA, w, h)};

@@ -176,6 +176,16 @@ void add_scaling(Rows &rows) {
     add_with_temp("with a temporary", [] { return in_memory(Scaling, 9, 3); });
     add_with_temp("with a temporary in a file", [] { return in_file(Scaling, 9, 3); });
     add_with_temp("with a temporary of another layout", [] { return in_memory(RGB, 9, 3); });
+    // In whole numbers.
+    constexpr int32_t box = 2;
+    for (const bool seen : {false, true})
+        add(
+            rows, declaration, std::string("to a half") + (seen ? " with a temporary" : ""), FailsWith::no,
+            [seen] {
+                const Value temp = seen ? Value(in_memory(Scaling, 4, 8)) : Value();
+                return Call{in_memory(RGBA), {in_memory(RGBA, 8, 8), temp, box, 4, 4}};
+            },
+            Shortage::pixels);
     add_from_source(rows, "ScaleFast(source as PictureKZB, width as integer, height as integer) as boolean",
                     FailsWith::no, {6, 4});
 }

@@ -21,8 +21,7 @@ namespace {
 constexpr size_t call_count = static_cast<size_t>(System::count);
 
 struct Armed {
-    System call = System::count;
-    uint64_t first = 0;
+    uint64_t first = 0; // 0: none fails
     bool all_later = false;
     Manner manner = Manner::error;
     int error = 0;
@@ -31,7 +30,7 @@ struct Armed {
 };
 
 constinit std::array<uint64_t, call_count> calls = {};
-constinit Armed armed;
+constinit std::array<Armed, call_count> armed = {}; // by the call that fails
 
 constinit bool guarding = false;
 GuardedMemory &guarded() {
@@ -48,14 +47,19 @@ std::vector<std::string> &misuse() {
     return lines;
 }
 
+Armed &armed_for(System call) {
+    return armed[static_cast<size_t>(call)];
+}
+
 // Counts a call and tells whether it is to fail.
 bool fails(System call) {
     ++calls[static_cast<size_t>(call)];
-    if (armed.call != call) return false;
-    ++armed.counted;
-    const bool now = armed.all_later ? armed.counted >= armed.first : armed.counted == armed.first;
-    armed.reached = armed.reached || now;
-    if (now) errno = armed.error;
+    Armed &fault = armed_for(call);
+    if (fault.first == 0) return false;
+    ++fault.counted;
+    const bool now = fault.all_later ? fault.counted >= fault.first : fault.counted == fault.first;
+    fault.reached = fault.reached || now;
+    if (now) errno = fault.error;
     return now;
 }
 
@@ -114,17 +118,18 @@ const char *name_of(System call) {
     return names[static_cast<size_t>(call)];
 }
 
-SystemFault::SystemFault(System call, uint64_t first, bool all_later, Manner manner, int error) {
-    armed = {call, first, all_later, manner, error != 0 ? error : default_error(call), 0, false};
-    if (manner == Manner::other && (call == System::fallocate || call == System::flock)) armed.error = EOPNOTSUPP;
+SystemFault::SystemFault(System call, uint64_t first, bool all_later, Manner manner, int error) : call_(call) {
+    armed_for(call) = {first, all_later, manner, error != 0 ? error : default_error(call), 0, false};
+    if (manner == Manner::other && (call == System::fallocate || call == System::flock))
+        armed_for(call).error = EOPNOTSUPP;
 }
 
 SystemFault::~SystemFault() {
-    armed = {};
+    armed_for(call_) = {};
 }
 
 bool SystemFault::reached() const {
-    return armed.reached;
+    return armed_for(call_).reached;
 }
 
 uint64_t calls_of(System call) {
@@ -222,12 +227,12 @@ KZB_WRAPPER int __wrap_fallocate(int descriptor, int mode, off_t offset, off_t l
 
 KZB_WRAPPER off_t __wrap_lseek(int descriptor, off_t offset, int whence) {
     if (!fails(System::lseek)) return lseek(descriptor, offset, whence);
-    return armed.manner == Manner::other ? lseek(descriptor, offset + 1, whence) : -1;
+    return armed_for(System::lseek).manner == Manner::other ? lseek(descriptor, offset + 1, whence) : -1;
 }
 
 KZB_WRAPPER ssize_t __wrap_write(int descriptor, const void *bytes, size_t count) {
     if (!fails(System::write)) return write(descriptor, bytes, count);
-    return armed.manner == Manner::other ? write(descriptor, bytes, count / 2) : -1;
+    return armed_for(System::write).manner == Manner::other ? write(descriptor, bytes, count / 2) : -1;
 }
 
 KZB_WRAPPER void *__wrap_mmap(void *address, size_t length, int protection, int flags, int descriptor, off_t offset) {

@@ -32,7 +32,8 @@ enum class Manner : uint8_t {
     other // write: short; lseek: lands elsewhere; fallocate, flock: not offered by the file system
 };
 
-// One call, or all from one on, fail while this lives. Calls are counted from 1 on.
+// One call, or all from one on, fail while this lives; one of these at a time for each of the system's calls. Calls are
+// counted from 1 on.
 class SystemFault {
 public:
     SystemFault(System call, uint64_t first, bool all_later = false, Manner manner = Manner::error, int error = 0);
@@ -42,6 +43,9 @@ public:
 
     // Whether it came to that call.
     bool reached() const;
+
+private:
+    System call_;
 };
 
 // How often the module has made the call so far.

@@ -161,6 +161,18 @@ TEST(BoxBlurFilter, TheRowBufferIsWalkedInTheSourcesSteps) {
     }
 }
 
+TEST(BoxBlurFilter, InPlaceMillionsOfRowsDriveNoSumOutOfItsNumbers) {
+    constexpr int32_t rows = (1 << 22) + 1;
+    Bytes bytes = random_bytes(rows, 9);
+    const Image image(Object::make("PictureKZB", block_at(bytes.data()), 1, rows, 11, 1));
+    Snapshots snapshots;
+    PlainImage expected = snapshots.of(image);
+    expected.storage = std::make_shared<Bytes>(bytes);
+    box_blur(expected, expected, 1);
+    image.call("BoxBlurFilter", image, 1.0);
+    EXPECT_TRUE(bytes == *expected.storage);
+}
+
 TEST(BoxBlurFilter, RowsThatOverlapKeepTheStatedOrder) {
     // 10 pixels of 3 bytes in rows 17 bytes apart: each row ends in the next one.
     for (bool in_place : {false, true}) {

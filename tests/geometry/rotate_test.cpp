@@ -76,6 +76,15 @@ TEST(Rotate, ShearsAFileOfSeveralBlocksAndAViewAcrossThem) {
     check(Image(tall.call("ClipImage", 1, 3000, 5, 5001)), 1.5, "view of several blocks");
 }
 
+TEST(Rotate, ShearsRowsThatOverlapAndImagesWithoutColumns) {
+    Bytes bytes = random_bytes(17 * 20 + 64, 9);
+    const Image whole(Object::make("PictureKZB", block_at(bytes.data()), 10, 20, 1, 17));
+    const Image overlapping(whole.call("ClipImage", 0, 0, 10, 18));
+    for (double angle : {17.0, 100.0, 343.0}) check(overlapping, angle, "overlapping rows");
+    const Image empty(overlapping.call("ClipImage", 3, 0, 0, 18));
+    for (double angle : {20.0, 340.0}) check(empty, angle, "no columns");
+}
+
 TEST(Rotate, ShearsLargeImagesStripByStrip) {
     // Wider than a strip of columns in every direction, and shifted by more rows than a strip spans.
     const Image image = *make_image(Storage::memory, 1300, 900, 1, 5);
@@ -239,6 +248,11 @@ TEST(Rotate, GivesNilWhereAQuarterTurnCannotBeMade) {
 TEST(Rotate, GivesNilWhereTheResultIsTooLarge) {
     const Image wide(1 << 25, 1, 11);
     for (double angle : {1.0, 30.0, 179.0}) EXPECT_TRUE(rotate(wide, angle).is_nil()) << angle;
+    // Nothing of it is read.
+    Bytes bytes(1);
+    const Image tall(Object::make("PictureKZB", block_at(bytes.data()), 1, 1 << 30, 11, 1));
+    ASSERT_TRUE(tall.valid());
+    for (double angle : {20.0, 340.0}) EXPECT_TRUE(rotate(tall, angle).is_nil()) << angle;
 }
 
 } // namespace

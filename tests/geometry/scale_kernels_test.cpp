@@ -1,6 +1,8 @@
 // The seven filters against values worked out by hand, and the lists of weights.
 
 #include "geometry/contributions.h"
+#include "geometry/scale.h"
+#include "geometry/scale_fast.h"
 
 #include <gtest/gtest.h>
 
@@ -116,6 +118,32 @@ std::vector<Entry> list_of(int32_t mode, int32_t outputs, int32_t inputs, int32_
 }
 
 using Entries = std::vector<Entry>;
+
+// Whether the lists of two outputs from three inputs each, whose weights are these in turns, are ordinary ones.
+template <const double (&weights)[2]> bool ordinary() {
+    const ScaleKernel kernel = {1, nullptr, [](double *values, size_t count) {
+                                    for (size_t i = 0; i < count; ++i) values[i] = weights[i % 2];
+                                }};
+    Contributions contributions(kernel, 3, 4);
+    for (int32_t i = 0; i < 3; ++i) contributions.build(i);
+    return contributions.ordinary();
+}
+
+constexpr double even[] = {1, 1}, tiny[] = {1, 0x1p-201}, huge[] = {1, 0x1p60}, opposite[] = {1, -1 + 0x1p-30},
+                 small[] = {0x1p-61, 0x1p-62};
+
+TEST(Contributions, OfTinyHugeOrCancellingWeightsAreNotOrdinary) {
+    EXPECT_TRUE(ordinary<even>());
+    EXPECT_FALSE(ordinary<tiny>());
+    EXPECT_FALSE(ordinary<huge>());
+    EXPECT_FALSE(ordinary<opposite>());
+    EXPECT_FALSE(ordinary<small>());
+}
+
+TEST(Scaling, OfNilGivesFalse) {
+    EXPECT_FALSE(scale(nullptr, nullptr, nullptr, box, 1, 1));
+    EXPECT_FALSE(scale_fast(nullptr, nullptr, 1, 1));
+}
 
 TEST(Contributions, OfTheSameSizeAreTheInputItselfUnderBoxTriangleAndPoly3) {
     for (int32_t mode : {triangle, box, poly3})

@@ -90,7 +90,7 @@ TEST(Scale, BoxesOfWholeNumbers) {
         Size from, to;
     } cases[] = {{{160, 48}, {40, 12}},  {{160, 48}, {20, 6}}, {{161, 47}, {80, 23}},  {{160, 48}, {240, 72}},
                  {{96, 31}, {288, 124}}, {{90, 33}, {30, 11}}, {{160, 48}, {159, 47}}, {{600, 64}, {75, 2}},
-                 {{33, 9}, {33, 9}},     {{128, 16}, {8, 1}},  {{3, 64}, {200, 8}}};
+                 {{33, 9}, {33, 9}},     {{128, 16}, {8, 1}},  {{64, 128}, {8, 2}},    {{3, 64}, {200, 8}}};
     for (const auto &[from, to] : cases)
         for (int32_t source_format : some_layouts)
             for (int32_t format : {2, 6, 9, 11, 12, 13}) {
@@ -100,6 +100,11 @@ TEST(Scale, BoxesOfWholeNumbers) {
                 check_scale(random_image(to, format), source, random_image({to.width, from.height}, scaling_format),
                             box, to, "with an intermediate image");
             }
+}
+
+TEST(Scale, BoxesThroughAnIntermediateImageThatNoCacheHolds) {
+    check_scale(random_image({520, 260}, 2), random_image({1040, 520}, 2), random_image({520, 520}, scaling_format),
+                box, {520, 260}, "a half");
 }
 
 // Where means are whole numbers, the last bit of a quotient would show.
@@ -190,6 +195,17 @@ TEST_F(SharedBytes, AnIntermediateImageOverTheDestination) {
                 check_scale(image, random_image({5, 9}, 2), temp, mode, {8, 7}, "shifted " + std::to_string(shift));
                 if (HasFailure()) return;
             }
+}
+
+TEST_F(SharedBytes, PixelsThatWeighNothingAmongOthers) {
+    for (int32_t format : some_layouts) {
+        SetUp();
+        const Image source(over(11, format).call("ClipImage", 1, 5, 9, 9));
+        const Image temp(over(9, scaling_format).call("ClipImage", 0, 1, 9, 9));
+        check_scale(random_image({9, 5}, format), source, temp, poly3, {3, 3}, "temporary over source");
+        SetUp();
+        check_scale(source, random_image({9, 9}, 2), temp, poly3, {3, 3}, "temporary over destination");
+    }
 }
 
 TEST_F(SharedBytes, AllThreeImages) {

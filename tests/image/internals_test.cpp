@@ -5,6 +5,7 @@
 #include "image/channels.h"
 #include "image/format.h"
 #include "image/lifecycle.h"
+#include "image/row_ring.h"
 #include "image/storage.h"
 #include "rows/conversion.h"
 
@@ -28,6 +29,22 @@ struct Holder {
 TEST(Records, NilHasNone) {
     EXPECT_EQ(record_of(nullptr), nullptr);
     EXPECT_FALSE(fill_format_descriptor(nullptr, 1, 1, ImageFormatRGB));
+}
+
+TEST(Buffers, OfANegativeNumberOrBeyondTheAddressesAreNone) {
+    EXPECT_FALSE(Buffer<uint8_t>(-1));
+    EXPECT_FALSE(Buffer<double>(INT64_MAX));
+    EXPECT_TRUE(Buffer<double>(0));
+}
+
+TEST(RowRings, HoldUpToAGigabyte) {
+    ImageRecord image = {};
+    ASSERT_TRUE(fill_format_descriptor(&image, 1 << 20, 2048, ImageFormatG));
+    image.Width = 1 << 20;
+    image.Height = 2048;
+    const Channels channels = {Channel::gray};
+    EXPECT_FALSE(RowRing(image, channels, 1024)) << "its rows' addresses count too";
+    EXPECT_TRUE(RowRing(image, channels, 2));
 }
 
 TEST(ChannelAddresses, LeadAnywhereIntoTheStorageAndNowhereElse) {

@@ -211,6 +211,21 @@ TEST(ScratchFile, HoldsTheRowsAtTheirPlaces) {
     EXPECT_TRUE(std::all_of(bytes.begin() + 9 * page, bytes.end(), [](uint8_t byte) { return byte == 0; }));
 }
 
+TEST(ScratchFile, IsWalkedWholeWhereBlocksAreNoWholeLargePages) {
+    // 819 rows in a block; by large pages it would be 512, and twice as many blocks.
+    constexpr int32_t width = 5 * 4096, height = 1537;
+    const Image image = in_file(scratch_path(), width, height, 11);
+    const auto bytes_of_row = [](int32_t y) { return random_bytes(width, static_cast<uint32_t>(y)); };
+    for (int32_t y : {0, 511, 512, 818, 819, 1536}) image.assign("Row", block_of(bytes_of_row(y)), y);
+    image.call("Invert");
+    for (int32_t y = 0; y < height; ++y) {
+        const bool filled = y == 0 || y == 511 || y == 512 || y == 818 || y == 819 || y == 1536;
+        Bytes expected = filled ? bytes_of_row(y) : Bytes(width);
+        for (uint8_t &byte : expected) byte = static_cast<uint8_t>(~byte);
+        ASSERT_TRUE(image.row(y) == expected) << y;
+    }
+}
+
 TEST(ScratchFile, GoesWithTheLastReference) {
     const std::string path = scratch_path();
     {

@@ -53,5 +53,13 @@ TEST(MoveTransposed, TurnsRunsAtEveryLevel) {
                               {columns, rows, from_step, bytes, rows * from_step + 3, false, corner / 2 == 1});
 }
 
+TEST(MoveTransposed, TurnsRunsFarApart) {
+    for (size_t bytes = 1; bytes <= 4; ++bytes)
+        for (auto [to_step, from_step] : {std::pair<size_t, size_t>(4, 5), {5, 4}, {1, 9}, {9, 1}, {16, 16}})
+            if (bytes <= to_step && bytes <= from_step)
+                check({17, 18, to_step, bytes, 18 * to_step + 5, false, false},
+                      {18, 17, from_step, bytes, 17 * from_step + 3, false, true});
+}
+
 } // namespace
 } // namespace kzb::kernels
