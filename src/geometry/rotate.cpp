@@ -95,7 +95,7 @@ Buffer<Shift> growing_shifts(int32_t count, double distance, double step) {
 // A new image to which `source` is sheared, paced; nil when it cannot be had or user code has meanwhile changed the
 // source.
 ImageReference ThreeShears::image_like(ImageRecord &source, double width, double height) const {
-    const auto fits = [](double size) { return size <= INT32_MAX; };
+    const auto fits = [](double size) { return size >= INT32_MIN && size <= INT32_MAX; };
     if (!fits(width) || !fits(height)) return {};
     const PacedImage sheared(source);
     auto image = create_image(&image_, static_cast<int32_t>(width), static_cast<int32_t>(height), format_);
