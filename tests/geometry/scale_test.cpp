@@ -84,6 +84,19 @@ TEST(Scale, RowsAndColumnsOfSeveralGroups) {
                 }
 }
 
+// What is written later to a shared byte stays there.
+TEST(Scale, IntoRowsThatLieOverEachOther) {
+    constexpr int32_t row_size = 7, rows = 24;
+    for (int32_t mode = 1; mode <= 7; ++mode)
+        for (int32_t source_format : some_layouts)
+            for (int32_t format : some_layouts) {
+                Bytes memory = random_bytes(size_t{row_size} * rows, 3);
+                const Image block(Object::make("PictureKZB", block_at(memory.data()), 11, rows, format, row_size));
+                const Image target(block.call("ClipImage", 0, 0, 11, 16));
+                check_scale(target, random_image({7, 9}, source_format), Object(), mode, {11, 16}, "overlapping");
+            }
+}
+
 // Lists of one, two, four and eight equal pixels, and of other numbers.
 TEST(Scale, BoxesOfWholeNumbers) {
     const struct {

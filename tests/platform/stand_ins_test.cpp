@@ -3,10 +3,12 @@
 #include "platform/buffer.h"
 #include "platform/file_references.h"
 #include "platform/graphics_worlds.h"
+#include "platform/ticks.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <ctime>
 #include <string>
 
 namespace kzb {
@@ -25,6 +27,21 @@ std::string path_in(const std::string &folder, const std::u16string &name) {
     for (size_t i = 0; i < name.size() && i < 255; ++i) record.unicode[i] = name[i];
     const auto path = path_of(location_in(folder_at(folder), record));
     return path ? path.get() : "";
+}
+
+// Sixtieths of a second since the system started, as the system's clock has them.
+uint32_t sixtieths() {
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<uint32_t>(int64_t{now.tv_sec} * 60 + int64_t{now.tv_nsec} * 60 / 1000000000);
+}
+
+TEST(Ticks, AreSixtiethsOfASecondAllThroughASecond) {
+    const uint32_t start = sixtieths();
+    while (sixtieths() - start <= 60) {
+        const uint32_t before = sixtieths(), ticks = TickCount(), after = sixtieths();
+        ASSERT_LE(ticks - before, after - before);
+    }
 }
 
 TEST(FileLocations, AreTheFolderASlashAndTheName) {
