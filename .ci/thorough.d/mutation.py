@@ -139,7 +139,7 @@ def described(mutant):
 
 
 class Tests:
-    def __init__(self):
+    def __init__(self, of_module):
         listed = subprocess.run(["ctest", "--test-dir", BUILD, "--show-only=json-v1"], capture_output=True, check=True)
         families = {}
         for family in os.listdir(TREE + "/tests"):
@@ -159,6 +159,9 @@ class Tests:
                 "expected": properties.get("PASS_REGULAR_EXPRESSION", []),
                 "needs": "PictureKZB" if f"kzb_add_test({test['name']} SOURCES" in "".join(families.values()) else "all",
             })  # fmt: skip
+        if of_module:
+            mirrored = set(os.listdir(TREE + "/src")) | {"faults", "digest"}
+            self.tests = [test for test in self.tests if test["family"] in mirrored]
 
     def time_all(self, states):
         """How long each takes, and that each passes, unless that is known for what it is made from."""
@@ -223,7 +226,7 @@ class Tests:
     def catching(self, file, jobs):
         """The name of the first test that fails, or None; "no build" for what is no program."""
         # Most tests need but one of the programs and modules that a change is in.
-        for needs in ("PictureKZB", "all"):
+        for needs in sorted({test["needs"] for test in self.tests}):
             if build(jobs, needs).returncode:
                 return "no build"
             for test in self.for_file(file):
@@ -291,6 +294,7 @@ def main():
     parser.add_argument("--count", type=int, default=200)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=1, help="for the builds")
+    parser.add_argument("--module", action="store_true", help="only the tests of the module itself: quicker, and a little milder")
     parser.add_argument("--again", action="store_true", help="only those that the last runs' tests did not catch")
     options = parser.parse_args()
 
@@ -314,7 +318,7 @@ def main():
             if described(mutant)[0] in wanted
         ]  # fmt: skip
         options.count = len(queue)
-    tests = Tests()
+    tests = Tests(options.module)
     tests.time_all(states)
 
     # What is known of mutants of these very files: the tests only get better.

@@ -18,7 +18,9 @@ size_t row_size(size_t step, size_t named, size_t count) {
 }
 
 void check(const Permutation &permutation, size_t count) {
-    const auto &[to_step, from_step, from, flip, reversed] = permutation;
+    const size_t to_step = permutation.to_step, from_step = permutation.from_step;
+    const auto &from = permutation.from;
+    const bool reversed = permutation.reversed;
     size_t written = 0, read = 0;
     for (size_t k = 0; k < to_step; ++k) {
         if (from[k] < 0) continue;
@@ -32,7 +34,7 @@ void check(const Permutation &permutation, size_t count) {
         for (size_t k = 0; k < to_step; ++k)
             if (from[k] >= 0)
                 expected[i * to_step + k] = static_cast<uint8_t>(
-                    source[(reversed ? count - 1 - i : i) * from_step + static_cast<size_t>(from[k])] ^ flip[k]);
+                    source[(reversed ? count - 1 - i : i) * from_step + static_cast<size_t>(from[k])] ^ permutation.flip[k]);
     for_each_level([&](Level level) {
         for (Guard guard : {Guard::before, Guard::after}) {
             GuardedBytes target(before, guard), origin(source, guard);
