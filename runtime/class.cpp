@@ -76,11 +76,12 @@ private:
     bool read_methods(const char *table, const MethodDefinition *rows, kzb_word count, std::vector<Method> &methods) {
         if (!check_table(table, rows, count)) return false;
         for (kzb_word i = 0; i < count; ++i) {
-            Method method = {rows[i].function, rows[i].setter, {}};
+            Method method = {rows[i].function, rows[i].setter, {}, 0};
             if (!read_declaration(table, i, rows[i].declaration, method.declaration)) return false;
             if (!rows[i].function) return is_nil(table, i, "function");
             if (method.setter && method.declaration.result == KZB_TYPE_NONE)
                 return wrong(table, i, quoted(rows[i].declaration) + " has a setter but no type to assign");
+            method.key = name_key(method.declaration.name);
             methods.push_back(method);
         }
         return true;

@@ -16,6 +16,7 @@ struct Method {
     KZBFunction function;
     KZBFunction setter;
     kzb_declaration declaration;
+    uint32_t key; // of the declared name
 };
 
 struct Property {

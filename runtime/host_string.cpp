@@ -8,6 +8,8 @@
 #include <new>
 #include <picturekzb/runtime.h>
 
+#include "platform/large_pages.h"
+
 namespace kzb {
 
 KZBString string_new(const void *bytes, size_t count, uint32_t encoding) noexcept {
@@ -19,6 +21,7 @@ KZBString string_new(const void *bytes, size_t count, uint32_t encoding) noexcep
         std::free(memory);
         return nullptr;
     }
+    kzb::prefer_large_pages(text, static_cast<int64_t>(count));
     if (count > 0) std::memcpy(text, bytes, count);
     text[count] = 0;
     audit_references(1);

@@ -20,8 +20,10 @@ const std::vector<Method> &host_methods(const ObjectClass &type) {
     auto [entry, fresh] = parsed.try_emplace(&type);
     if (fresh)
         for (const ObjectMethod &m : type.methods) {
-            Method method = {m.function, nullptr, {}};
-            if (kzb_parse_declaration(m.declaration, &method.declaration, nullptr)) entry->second.push_back(method);
+            Method method = {m.function, nullptr, {}, 0};
+            if (!kzb_parse_declaration(m.declaration, &method.declaration, nullptr)) continue;
+            method.key = name_key(method.declaration.name);
+            entry->second.push_back(method);
         }
     return entry->second;
 }

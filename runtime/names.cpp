@@ -42,6 +42,12 @@ bool same_name(std::string_view a, std::string_view b) noexcept {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
 }
 
+uint32_t name_key(std::string_view name) noexcept {
+    constexpr uint32_t start = 2166136261, factor = 16777619;
+    return std::accumulate(name.begin(), name.end(), start,
+                           [](uint32_t key, char c) { return (key ^ static_cast<unsigned char>(lower(c))) * factor; });
+}
+
 bool same_declaration(std::string_view a, std::string_view b) noexcept {
     size_t i = 0, j = 0;
     for (;;) {

@@ -2,6 +2,7 @@
 #ifndef KZB_RUNTIME_NAMES_H
 #define KZB_RUNTIME_NAMES_H
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,9 @@ inline bool is_space(char c) noexcept {
 bool is_name(std::string_view text) noexcept;
 
 bool same_name(std::string_view a, std::string_view b) noexcept;
+
+// A number that names which are the same have in common, and few others do.
+uint32_t name_key(std::string_view name) noexcept;
 
 // Whether two texts are the same but for case and spaces.
 bool same_declaration(std::string_view a, std::string_view b) noexcept;

@@ -2,7 +2,6 @@
 
 #include "declaration.h"
 #include "error.h"
-#include "names.h"
 #include <algorithm>
 #include <array>
 #include <bitset>
@@ -86,7 +85,8 @@ Attempt attempt(const Lookup &lookup, const Method &method, std::span<const kzb_
 }
 
 bool is_candidate(const Lookup &lookup, const Method &method) noexcept {
-    return same_name(method.declaration.name, lookup.name) && (!lookup.assignment || method.setter);
+    return method.key == lookup.key && same_name(method.declaration.name, lookup.name) &&
+           (!lookup.assignment || method.setter);
 }
 
 // "0, 2 or 4 arguments": the numbers that the methods of the name take.

@@ -3,6 +3,7 @@
 #define KZB_RUNTIME_OVERLOAD_H
 
 #include "class.h"
+#include "names.h"
 #include <span>
 
 namespace kzb {
@@ -14,6 +15,7 @@ struct Lookup {
     const char *name;
     const char *what; // "method", "shared method"
     bool assignment;  // only methods with a setter
+    uint32_t key = name_key(name);
 };
 
 // A method and the values of all its arguments in declared order, defaults filled in. The given values stay the

@@ -4,12 +4,13 @@
 #include "image/bytes.h"
 #include "image/mapped_store.h"
 #include "image/paced_image.h"
+#include "kernels/brightness.h"
 
 namespace kzb {
 
 namespace {
 
-using Counts = std::array<int64_t, 256>;
+using Counts = kernels::BrightnessCounts;
 
 // The largest level at or below which no more than `limit` pixels lie, or 0.
 int32_t last_level_within(const Counts &cumulative, int64_t limit) {
@@ -45,16 +46,16 @@ Boolean auto_level_rectangle(ImageObject object, int32_t x, int32_t y, int32_t w
     if (columns.length < 1 || rows.length < 1 || !usable(image)) return 0;
 
     PacedImage paced(image);
-    Counts counts = {};
+    kernels::BrightnessCounter counter;
     for (int32_t i = 0; i < rows.length; ++i) {
         const uint8_t *row = walked_row(image, rows.start + i);
         if (row == nullptr) return 0;
-        const uint8_t *pixel = row + static_cast<int64_t>(columns.start) * image.PixelSize;
-        for (int32_t k = 0; k < columns.length; ++k, pixel += image.PixelSize)
-            ++counts[byte_from(pixel[image.RedOffset] * 0.177 + pixel[image.GreenOffset] * 0.813 +
-                               pixel[image.BlueOffset] * 0.01)];
+        const uint8_t *first = row + static_cast<int64_t>(columns.start) * image.PixelSize;
+        counter.count(first + image.RedOffset, first + image.GreenOffset, first + image.BlueOffset,
+                      static_cast<size_t>(image.PixelSize), static_cast<size_t>(columns.length));
         if (!paced.pace()) return 0;
     }
+    Counts counts = counter.counts();
     for (size_t i = 1; i < counts.size(); ++i) counts[i] += counts[i - 1];
 
     ChannelTables tables;

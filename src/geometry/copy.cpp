@@ -4,8 +4,20 @@
 #include "image/paced_image.h"
 #include "image/pixel_conversion.h"
 #include "image/row_pairs.h"
+#include "image/storage.h"
+
+#include <utility>
 
 namespace kzb {
+
+namespace {
+
+// Whether rows of this many pixels follow each other without a gap.
+bool gapless(const ImageRecord &image, int32_t width) {
+    return static_cast<int64_t>(width) * image.PixelSize == image.RowSize;
+}
+
+} // namespace
 
 void copy_pixels_rectangle(ImageObject object, ImageObject source_object, int32_t dest_x, int32_t dest_y,
                            int32_t dest_width, int32_t dest_height, int32_t source_x, int32_t source_y) {
@@ -24,11 +36,15 @@ void copy_pixels_rectangle(ImageObject object, ImageObject source_object, int32_
     if (columns.length < 1 || rows.length < 1 || conversion.channels == 0) return;
     const int64_t target_byte = static_cast<int64_t>(columns.to) * image.PixelSize;
     const int64_t source_byte = static_cast<int64_t>(columns.from) * source.PixelSize;
+    auto pixels = static_cast<size_t>(columns.length);
+    int32_t row_count = rows.length;
+    if (gapless(image, columns.length) && gapless(source, columns.length) && rows_at_once(image) && !source.IsMapping &&
+        sharing_of(image, source, {}) == Sharing::none)
+        pixels *= static_cast<size_t>(std::exchange(row_count, 1));
     RowPairs pairs(image, source);
-    for (int32_t i = 0; i < rows.length; ++i) {
+    for (int32_t i = 0; i < row_count; ++i) {
         if (!pairs.fetch(rows.to + i, rows.from + i)) return;
-        kernels::convert(pairs.target + target_byte, pairs.row + source_byte, conversion,
-                         static_cast<size_t>(columns.length));
+        kernels::convert(pairs.target + target_byte, pairs.row + source_byte, conversion, pixels);
         if (!paced.pace() || !paced_source.unchanged()) return;
     }
 }

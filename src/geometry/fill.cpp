@@ -7,6 +7,7 @@
 #include "kernels/lanes.h"
 
 #include <cstring>
+#include <utility>
 
 namespace kzb {
 
@@ -66,9 +67,14 @@ void change_rectangle(ImageRecord &image, const Rectangle &area, const Changes &
         }
     }
     const int64_t first = static_cast<int64_t>(area.columns.start) * image.PixelSize + *low;
-    const size_t count = static_cast<size_t>(area.columns.length - 1) * step + static_cast<size_t>(*high - *low) + 1;
+    // Rows without a gap between them are one row of many pixels.
+    Extent rows = area.rows;
+    auto pixels = static_cast<size_t>(area.columns.length);
+    if (rows_at_once(image) && pixels * step == static_cast<size_t>(image.RowSize))
+        pixels *= static_cast<size_t>(std::exchange(rows.length, 1));
+    const size_t count = (pixels - 1) * step + static_cast<size_t>(*high - *low) + 1;
     const bool nothing_kept = keep == kernels::Lanes{};
-    for_each_row(image, area.rows, [&](int32_t y) {
+    for_each_row(image, rows, [&](int32_t y) {
         uint8_t *row = walked_row(image, y);
         if (row == nullptr) return false;
         if (nothing_kept)
@@ -81,6 +87,8 @@ void change_rectangle(ImageRecord &image, const Rectangle &area, const Changes &
 
 // Sets `count` bytes from byte `first` of each row on, as far as they lie inside the storage.
 void set_bytes(ImageRecord &image, Extent rows, int64_t first, int64_t count, uint8_t value) {
+    if (rows_at_once(image) && count >= image.RowSize && rows.length > 0)
+        count += (std::exchange(rows.length, 1) - 1) * int64_t{image.RowSize};
     for_each_row(image, rows, [&](int32_t y) {
         for_each_run(image, y, first, count, [&](uint8_t *bytes, size_t size) { std::memset(bytes, value, size); });
         return true;

@@ -29,14 +29,26 @@ public:
     [[nodiscard]] bool make_row(int32_t y);
 
 private:
+    static constexpr int32_t strip = 2048;
+
     bool first_pixel_inside(int32_t source_y) const;
+    const int32_t *places_from(int32_t x, size_t count);
 
     ImageRecord &source_, &destination_;
     const kernels::Conversion conversion_;
     const int32_t width_;
     const double step_x_, step_y_;
     RowPairs rows_;
+    int32_t places_[strip];
+    int32_t first_place_ = -1; // the column that they begin with
 };
+
+// Of rows no wider than a strip the places are found once.
+const int32_t *FastScaling::places_from(int32_t x, size_t count) {
+    if (first_place_ != x) kernels::step_places(places_, x, step_x_, source_.PixelSize, count);
+    first_place_ = x;
+    return places_;
+}
 
 bool FastScaling::make_row(int32_t y) {
     // The steps stay below the source's size: the distance to it is far more than the rounding of a product.
@@ -44,13 +56,10 @@ bool FastScaling::make_row(int32_t y) {
     // A view without columns is sampled where its first would be.
     if (source_.Width == 0 && !first_pixel_inside(source_y)) return true;
     if (!rows_.fetch(y, source_y)) return false;
-    constexpr int32_t strip = 2048;
-    int32_t places[strip];
     for (int32_t x = 0; x < width_; x += strip) {
         const auto count = static_cast<size_t>(std::min(strip, width_ - x));
-        kernels::step_places(places, x, step_x_, source_.PixelSize, count);
-        kernels::pick(rows_.target + static_cast<int64_t>(x) * destination_.PixelSize, rows_.row, places, conversion_,
-                      count);
+        kernels::pick(rows_.target + static_cast<int64_t>(x) * destination_.PixelSize, rows_.row, places_from(x, count),
+                      conversion_, count);
     }
     return true;
 }

@@ -7,6 +7,7 @@
 #include "image/lifecycle.h"
 #include "image/mapped_store.h"
 #include "platform/buffer.h"
+#include "platform/large_pages.h"
 
 #include <algorithm>
 #include <cstring>
@@ -143,6 +144,7 @@ ImageObject clone(ImageObject object) {
     const int64_t size = bytes_needed(image);
     Buffer<uint8_t> pixels(size);
     if (!pixels) return nullptr;
+    prefer_large_pages(pixels.get(), size);
     std::memcpy(pixels.get(), image.pixel_buffer, static_cast<size_t>(std::min(size, image.TotalSize)));
     ImageRecord &copy = *record_of(copy_object.get());
     copy.pixel_buffer = pixels.release();

@@ -211,8 +211,8 @@ uint8_t *mapped_row(ImageRecord &image, int32_t index) {
     return row_in_block(image, index, block_start);
 }
 
-uint8_t *walked_row(ImageRecord &image, int32_t index) {
-    return image.IsMapping ? row_in_block(image, index, walking_start) : image.row_accessor(image, index);
+uint8_t *walked_mapped_row(ImageRecord &image, int32_t index) {
+    return row_in_block(image, index, walking_start);
 }
 
 void unmap_block(ImageRecord &image) {

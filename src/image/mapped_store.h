@@ -23,7 +23,10 @@ uint8_t *mapped_row(ImageRecord &image, int32_t row);
 
 // The address of a row, as the row accessor gives it, for operations that go through the rows in either direction. In a
 // file-backed image it maps block after block, no rows twice; the last one may reach beyond the file's end.
-uint8_t *walked_row(ImageRecord &image, int32_t row);
+inline uint8_t *walked_row(ImageRecord &image, int32_t row);
+
+// The same for a file-backed image.
+uint8_t *walked_mapped_row(ImageRecord &image, int32_t row);
 
 // Unmaps the mapped block, if any.
 void unmap_block(ImageRecord &image);
@@ -33,5 +36,9 @@ void discard_backing_file(ImageRecord &image);
 
 // Gives a record a window of its own on the file that `image` is backed by, with no block mapped yet.
 void open_window(ImageRecord &window, const ImageRecord &image);
+
+inline uint8_t *walked_row(ImageRecord &image, int32_t row) {
+    return image.IsMapping ? walked_mapped_row(image, row) : image.row_accessor(image, row);
+}
 
 } // namespace kzb

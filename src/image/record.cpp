@@ -9,8 +9,7 @@ ImageRecord *record_of(ImageObject image) {
     return reinterpret_cast<ImageRecord *>(reinterpret_cast<char *>(image) + picture_class.instance_data_offset);
 }
 
-bool storage_present(const ImageRecord &image) {
-    if (image.row_accessor == nullptr) return false;
+bool parents_have_storage(const ImageRecord &image) {
     for (const ImageRecord *view = &image; view->Parent != nullptr;) {
         const ImageRecord *parent = record_of(view->Parent);
         // A closed parent has no storage, one built anew has another.
@@ -18,10 +17,6 @@ bool storage_present(const ImageRecord &image) {
         view = parent;
     }
     return true;
-}
-
-bool usable(const ImageRecord &image) {
-    return image.Valid && storage_present(image) && image.pixel_buffer != nullptr && image.Height != 0;
 }
 
 uint64_t next_storage_id() {

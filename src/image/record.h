@@ -85,12 +85,24 @@ ImageRecord *record_of(ImageObject image);
 
 // Whether the image has storage that its row accessor can reach: constructed and not closed, and for a view that the
 // image it was made from still has the storage that it shows.
-[[nodiscard]] bool storage_present(const ImageRecord &image);
+[[nodiscard]] inline bool storage_present(const ImageRecord &image);
 
 // The validity test that every operation starts with: Valid, storage present and mapped, Height not zero.
-[[nodiscard]] bool usable(const ImageRecord &image);
+[[nodiscard]] inline bool usable(const ImageRecord &image);
 
 // A new storage_id.
 uint64_t next_storage_id();
+
+// For a view: whether the images that it was made from still have its storage.
+bool parents_have_storage(const ImageRecord &view);
+
+// Asked after every row, and so inline.
+inline bool storage_present(const ImageRecord &image) {
+    return image.row_accessor != nullptr && (image.Parent == nullptr || parents_have_storage(image));
+}
+
+inline bool usable(const ImageRecord &image) {
+    return image.Valid && storage_present(image) && image.pixel_buffer != nullptr && image.Height != 0;
+}
 
 } // namespace kzb

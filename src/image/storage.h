@@ -43,16 +43,16 @@ bool rows_may_run(const ImageRecord &source, const ImageRecord &destination, con
 template <class Fill> void for_each_run(ImageRecord &image, int64_t row, int64_t byte, int64_t count, Fill fill) {
     const int64_t start = (image.RowOffset + row) * image.RowSize + byte;
     const int64_t end = std::min(start + count, image.TotalSize);
-    for (int64_t at = std::max<int64_t>(start, 0); at < end;) {
-        const int64_t row_end = (at / image.RowSize + 1) * image.RowSize;
-        const int64_t run_end = image.IsMapping ? std::min(end, row_end) : end;
-        uint8_t *address = image.pixel_buffer + at;
-        if (image.IsMapping) {
-            uint8_t *storage_row = walked_row(image, static_cast<int32_t>(at / image.RowSize) - image.RowOffset);
-            if (storage_row == nullptr) return;
-            address = storage_row + at % image.RowSize;
-        }
-        fill(address, static_cast<size_t>(run_end - at));
+    int64_t at = std::max<int64_t>(start, 0);
+    if (!image.IsMapping) {
+        if (at < end) fill(image.pixel_buffer + at, static_cast<size_t>(end - at));
+        return;
+    }
+    while (at < end) {
+        uint8_t *storage_row = walked_row(image, static_cast<int32_t>(at / image.RowSize) - image.RowOffset);
+        if (storage_row == nullptr) return;
+        const int64_t run_end = std::min(end, (at / image.RowSize + 1) * image.RowSize);
+        fill(storage_row + at % image.RowSize, static_cast<size_t>(run_end - at));
         at = run_end;
     }
 }

@@ -40,22 +40,25 @@ struct Apart {
 bool convert_as_lanes(const Apart &rows, const Conversion &conversion) {
     const auto &[to, from, channels, to_gray, last_flip] = conversion;
     if (to_gray || to.step != from.step || lane_period % to.step != 0) return false;
+    uint32_t copied = 0; // a bit for each byte of a pixel, of which there are at most 16
+    const auto place = [&](size_t i) { return static_cast<size_t>(conversion.to.offsets[i] - rows.written.first); };
+    for (size_t i = 0; i < channels; ++i) {
+        if (place(i) != static_cast<size_t>(from.offsets[i] - rows.read.first) || place(i) >= to.step) return false;
+        copied |= 1u << place(i);
+    }
+    if (last_flip == 0 && copied + 1 == 1u << to.step) {
+        std::memcpy(rows.target, rows.source, rows.written.size);
+        return true;
+    }
     Lanes keep;
     Lanes flip = {};
     keep.fill(0xff);
-    for (size_t i = 0; i < channels; ++i) {
-        const auto place = static_cast<size_t>(to.offsets[i] - rows.written.first);
-        if (place != static_cast<size_t>(from.offsets[i] - rows.read.first) || place >= to.step) return false;
-        for (size_t lane = place; lane < lane_period; lane += to.step) {
+    for (size_t i = 0; i < channels; ++i)
+        for (size_t lane = place(i); lane < lane_period; lane += to.step) {
             keep[lane] = 0;
             flip[lane] = i == channels - 1 ? last_flip : uint8_t{0};
         }
-    }
-    const bool whole_bytes = last_flip == 0 && std::count(keep.begin(), keep.end(), 0) == lane_period;
-    if (whole_bytes)
-        std::memcpy(rows.target, rows.source, rows.written.size);
-    else
-        copy_lanes(rows.target, rows.source, rows.written.size, keep, flip);
+    copy_lanes(rows.target, rows.source, rows.written.size, keep, flip);
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include "image/mapped_store.h"
 #include "image/pixel_conversion.h"
 #include "platform/buffer.h"
+#include "platform/large_pages.h"
 #include "rows/row_access.h"
 
 #include <optional>
@@ -122,6 +123,7 @@ String data_string_in_format(ImageObject object, int32_t image_format) {
     if (image.Height < 0 || row_size > INT32_MAX || row_size * image.Height > INT32_MAX) return nullptr;
     Buffer<uint8_t> bytes(row_size * image.Height);
     if (!bytes) return nullptr;
+    prefer_large_pages(bytes.get(), row_size * image.Height);
     for (int32_t y = 0; y < image.Height; ++y) {
         const uint8_t *row = walked_row(image, y);
         if (row == nullptr || !convert_row(bytes.get() + y * row_size, *layout, row, image, 0, image.Width))

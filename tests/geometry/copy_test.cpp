@@ -110,6 +110,32 @@ TEST(CopyPixels, BetweenViewsOfEveryKind) {
     }
 }
 
+TEST(CopyPixels, OfRowsWithoutGapsBetweenThem) {
+    uint32_t seed = 1;
+    for (const Layout &to : layouts()) {
+        for (const Layout &from : layouts()) {
+            SCOPED_TRACE(std::string(from.name) + " to " + to.name);
+            const Image image = make_gapless_image(11, 7, to.code, ++seed);
+            const Image source = make_gapless_image(11, 6, from.code, ++seed);
+            const Image padded = *make_image(Storage::block, 11, 6, from.code, ++seed);
+            const std::vector<Copy> copies = {{0, 0, 11, 7, 0, 0}, {0, 2, 11, 3, 0, 1}, {0, 1, 10, 4, 0, 0}};
+            expect_copies(image, source, copies);
+            expect_copies(image, padded, copies);
+            expect_copies(padded, image, copies);
+        }
+    }
+}
+
+TEST(CopyPixels, WithinRowsWithoutGapsBetweenThem) {
+    for (int32_t code : {1, 2, 5, 11, 12}) {
+        SCOPED_TRACE(layout(code).name);
+        const Image image = make_gapless_image(11, 7, code, 1);
+        expect_copies(image, image, {{0, 0, 11, 7, 0, 0}, {0, 2, 11, 5, 0, 0}, {0, 0, 11, 5, 0, 1}});
+        const Image view(image.call("ClipImage", 0, 2, 11, 4));
+        expect_copies(image, view, {{0, 0, 11, 4, 0, 0}, {0, 3, 11, 4, 0, 0}});
+    }
+}
+
 TEST(CopyPixels, CutsTheRectangleInItsOrder) {
     const Image image = *make_image(Storage::block, 12, 9, 2, 1);
     const Image source = *make_image(Storage::block, 8, 10, 6, 2);

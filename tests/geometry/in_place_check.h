@@ -53,6 +53,14 @@ inline void check_in_place(const Call &call, const Meaning &meaning) {
                 expect_meaning(image, call, meaning, {{0, 0, width, 2}, {width / 3, 1, width / 2 + 1, 1}}));
         }
     }
+    for (int32_t code : codes) {
+        SCOPED_TRACE(std::string(layout(code).name) + " without gaps between rows");
+        const Image image = make_gapless_image(11, 6, code, ++seed);
+        ASSERT_NO_FATAL_FAILURE(
+            expect_meaning(image, call, meaning, {{0, 0, 11, 6}, {0, 2, 11, 3}, {0, 1, 10, 4}, {1, 0, 10, 6}}));
+        const Image view(image.call("ClipImage", 0, 1, 11, 4));
+        ASSERT_NO_FATAL_FAILURE(expect_meaning(view, call, meaning, {{0, 0, 11, 4}, {0, 2, 11, 2}}));
+    }
     SCOPED_TRACE("a file of several blocks");
     expect_meaning(make_tall_image(9, 2, ++seed), call, meaning, {{2, 1, 4, tall_height}});
 }
