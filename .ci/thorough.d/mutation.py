@@ -139,7 +139,8 @@ def described(mutant):
 
 
 class Tests:
-    def __init__(self, of_module):
+    def __init__(self, of_module, seconds):
+        self.seconds = seconds
         listed = subprocess.run(["ctest", "--test-dir", BUILD, "--show-only=json-v1"], capture_output=True, check=True)
         families = {}
         for family in os.listdir(TREE + "/tests"):
@@ -221,7 +222,9 @@ class Tests:
             related = len(os.path.commonprefix([test["name"], stem])) >= 4 or stem in test["name"]
             return test["seconds"] * (0.1 if related else 0.2 if test["family"] == family else 1)
 
-        return sorted(reachable, key=price)
+        reachable.sort(key=price)
+        spent = itertools.accumulate(test["seconds"] for test in reachable)
+        return [test for test, sum_so_far in zip(reachable, spent) if sum_so_far <= self.seconds]
 
     def catching(self, file, jobs):
         """The name of the first test that fails, or None; "no build" for what is no program."""
@@ -295,6 +298,7 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=1, help="for the builds")
     parser.add_argument("--module", action="store_true", help="only the tests of the module itself: quicker, and a little milder")
+    parser.add_argument("--seconds", type=float, default=float("inf"), help="of tests for a mutant, the likeliest first")
     parser.add_argument("--again", action="store_true", help="only those that the last runs' tests did not catch")
     options = parser.parse_args()
 
@@ -318,7 +322,7 @@ def main():
             if described(mutant)[0] in wanted
         ]  # fmt: skip
         options.count = len(queue)
-    tests = Tests(options.module)
+    tests = Tests(options.module, options.seconds)
     tests.time_all(states)
 
     # What is known of mutants of these very files: the tests only get better.
