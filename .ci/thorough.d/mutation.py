@@ -27,7 +27,7 @@ import tempfile
 import time
 
 from explanations import read_explained
-from processor import foreign_functions, missing_targets
+from processor import closing_place, foreign_functions, missing_targets
 
 FOLDER = os.path.realpath("build-mutation")
 TREE = FOLDER + "/tree"
@@ -58,16 +58,6 @@ def masked(text):
     return code
 
 
-def condition_end(code, start):
-    """The place of the parenthesis that closes the one before `start`."""
-    depth = 1
-    for place in range(start, len(code)):
-        depth += {"(": 1, ")": -1}.get(code[place], 0)
-        if depth == 0:
-            return place
-    return start
-
-
 def mutants_of(file):
     """All places of a file, each with one or more changes to choose from."""
     with open(f"{TREE}/{file}", encoding="utf-8") as source:
@@ -92,7 +82,7 @@ def mutants_of(file):
     for found in re.finditer(r"\b(true|false)\b", code):
         add("constant", found.start(), found.end(), "false" if found[0] == "true" else "true")
     for found in re.finditer(r"\b(?:if|while) \(", code):
-        end = condition_end(code, found.end())
+        end = closing_place(code, found.end() - 1, "()")
         condition = text[found.end() : end]
         if ";" not in condition and not re.search(r"\w \*?\w+ = ", condition):
             add("condition", found.end(), end, f"!({condition})", "false")

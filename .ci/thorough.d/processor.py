@@ -19,10 +19,11 @@ def missing_targets():
     return [macro for macro, needed in defined if not set(needed.split(",")) <= present]
 
 
-def matching_brace(text, start):
+def closing_place(text, start, pair):
+    """The place of what closes the brace or parenthesis at `start`; the text's end when nothing does."""
     depth = 0
     for place in range(start, len(text)):
-        depth += {"{": 1, "}": -1}.get(text[place], 0)
+        depth += {pair[0]: 1, pair[1]: -1}.get(text[place], 0)
         if depth == 0:
             return place
     return len(text)
@@ -34,5 +35,5 @@ def foreign_functions(text, targets):
     for macro in re.finditer(r"\b(" + "|".join(targets or ["(?!)"]) + r")\b(?![ \\\n]*\[\[gnu::target)", text):
         body = re.compile(r"\) (?:const )?(?:: [^{;]*)?(?:\w+\{[^{}]*\}, )*\{").search(text, macro.end())
         if body and ";" not in text[macro.end() : body.start()]:
-            found.append((macro.start(), matching_brace(text, body.end() - 1) + 1))
+            found.append((macro.start(), closing_place(text, body.end() - 1, "{}") + 1))
     return found

@@ -169,16 +169,6 @@ KZB_TARGET_AVX512 inline void look_up_pixels_512(uint8_t *target, const uint8_t 
     }
 }
 
-KZB_TARGET_AVX512 [[gnu::flatten]] void look_up_pixels_avx512(uint8_t *target, const uint8_t *source,
-                                                              const PixelTables &tables, size_t count) {
-    look_up_pixels_512<PairTable>(target, source, tables, count);
-}
-
-KZB_TARGET_AVX512VBMI [[gnu::flatten]] void look_up_pixels_avx512vbmi(uint8_t *target, const uint8_t *source,
-                                                                      const PixelTables &tables, size_t count) {
-    look_up_pixels_512<LongTable>(target, source, tables, count);
-}
-
 #endif
 
 } // namespace
@@ -186,7 +176,8 @@ KZB_TARGET_AVX512VBMI [[gnu::flatten]] void look_up_pixels_avx512vbmi(uint8_t *t
 decltype(look_up) look_up = compiled<look_up_plainly>();
 #ifdef KZB_X86
 decltype(look_up_pixels) look_up_pixels =
-    compiled<look_up_pixels_plainly, look_up_pixels_avx2, look_up_pixels_avx512, look_up_pixels_avx512vbmi>();
+    compiled<look_up_pixels_plainly, look_up_pixels_avx2, Compiled<look_up_pixels_512<PairTable>>::avx512,
+             Compiled<look_up_pixels_512<LongTable>>::avx512vbmi>();
 #else
 decltype(look_up_pixels) look_up_pixels = compiled<look_up_pixels_plainly>();
 #endif

@@ -100,25 +100,6 @@ KZB_TARGET_AVX512 inline void reverse_512(uint8_t *pixels, size_t step, size_t b
     reverse_plainly(pixels, step, bytes, count);
 }
 
-KZB_TARGET_AVX512 [[gnu::flatten]] void permute_avx512(uint8_t *target, const uint8_t *source,
-                                                       const Permutation &permutation, size_t count) {
-    permute_512<Shuffle512>(target, source, permutation, count);
-}
-
-KZB_TARGET_AVX512VBMI [[gnu::flatten]] void permute_avx512vbmi(uint8_t *target, const uint8_t *source,
-                                                               const Permutation &permutation, size_t count) {
-    permute_512<Shuffle512Vbmi>(target, source, permutation, count);
-}
-
-KZB_TARGET_AVX512 [[gnu::flatten]] void reverse_avx512(uint8_t *pixels, size_t step, size_t bytes, size_t count) {
-    reverse_512<Shuffle512>(pixels, step, bytes, count);
-}
-
-KZB_TARGET_AVX512VBMI [[gnu::flatten]] void reverse_avx512vbmi(uint8_t *pixels, size_t step, size_t bytes,
-                                                               size_t count) {
-    reverse_512<Shuffle512Vbmi>(pixels, step, bytes, count);
-}
-
 KZB_TARGET_AVX2 void reverse_avx2(uint8_t *pixels, size_t step, size_t bytes, size_t count) {
     if (count < 2) return;
     const Shuffle128 shuffle(leading_bytes(step, step, bytes, true));
@@ -141,8 +122,12 @@ KZB_TARGET_AVX2 void reverse_avx2(uint8_t *pixels, size_t step, size_t bytes, si
 } // namespace
 
 #ifdef KZB_X86
-decltype(permute_pixels) permute_pixels = compiled<permute_plainly, permute_avx2, permute_avx512, permute_avx512vbmi>();
-decltype(reverse_pixels) reverse_pixels = compiled<reverse_plainly, reverse_avx2, reverse_avx512, reverse_avx512vbmi>();
+decltype(permute_pixels) permute_pixels =
+    compiled<permute_plainly, permute_avx2, Compiled<permute_512<Shuffle512>>::avx512,
+             Compiled<permute_512<Shuffle512Vbmi>>::avx512vbmi>();
+decltype(reverse_pixels) reverse_pixels =
+    compiled<reverse_plainly, reverse_avx2, Compiled<reverse_512<Shuffle512>>::avx512,
+             Compiled<reverse_512<Shuffle512Vbmi>>::avx512vbmi>();
 #else
 decltype(permute_pixels) permute_pixels = compiled<permute_plainly>();
 decltype(reverse_pixels) reverse_pixels = compiled<reverse_plainly>();

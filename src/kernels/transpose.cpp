@@ -233,25 +233,14 @@ KZB_TARGET_AVX512 inline void move_transposed_512(const Grid<uint8_t> &target, c
         move_transposed_plainly(target, source, rows, columns, bytes);
 }
 
-KZB_TARGET_AVX512 [[gnu::flatten]] void move_transposed_avx512(const Grid<uint8_t> &target,
-                                                               const Grid<const uint8_t> &source, size_t rows,
-                                                               size_t columns, size_t bytes) {
-    move_transposed_512<Shuffle512>(target, source, rows, columns, bytes);
-}
-
-KZB_TARGET_AVX512VBMI [[gnu::flatten]] void move_transposed_avx512vbmi(const Grid<uint8_t> &target,
-                                                                       const Grid<const uint8_t> &source, size_t rows,
-                                                                       size_t columns, size_t bytes) {
-    move_transposed_512<Shuffle512Vbmi>(target, source, rows, columns, bytes);
-}
-
 #endif
 
 } // namespace
 
 #ifdef KZB_X86
 decltype(move_transposed) move_transposed =
-    compiled<move_transposed_plainly, move_transposed_avx2, move_transposed_avx512, move_transposed_avx512vbmi>();
+    compiled<move_transposed_plainly, move_transposed_avx2, Compiled<move_transposed_512<Shuffle512>>::avx512,
+             Compiled<move_transposed_512<Shuffle512Vbmi>>::avx512vbmi>();
 #else
 decltype(move_transposed) move_transposed = compiled<move_transposed_plainly>();
 #endif

@@ -92,22 +92,13 @@ KZB_TARGET_AVX512 inline void weigh_512(uint8_t *target, const uint8_t *source, 
     }
 }
 
-KZB_TARGET_AVX512 [[gnu::flatten]] void weigh_avx512(uint8_t *target, const uint8_t *source, const Weighing &weighing,
-                                                     size_t count) {
-    weigh_512<Shuffle512>(target, source, weighing, count);
-}
-
-KZB_TARGET_AVX512VBMI [[gnu::flatten]] void weigh_avx512vbmi(uint8_t *target, const uint8_t *source,
-                                                             const Weighing &weighing, size_t count) {
-    weigh_512<Shuffle512Vbmi>(target, source, weighing, count);
-}
-
 #endif
 
 } // namespace
 
 #ifdef KZB_X86
-decltype(weigh_pixels) weigh_pixels = compiled<weigh_plainly, weigh_avx2, weigh_avx512, weigh_avx512vbmi>();
+decltype(weigh_pixels) weigh_pixels = compiled<weigh_plainly, weigh_avx2, Compiled<weigh_512<Shuffle512>>::avx512,
+                                               Compiled<weigh_512<Shuffle512Vbmi>>::avx512vbmi>();
 #else
 decltype(weigh_pixels) weigh_pixels = compiled<weigh_plainly>();
 #endif
